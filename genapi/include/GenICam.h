@@ -1,0 +1,7 @@
+// Umbrella header of the GenICam interface: base types and the GenApi node-map interface.
+#ifndef GENICAM_H
+#define GENICAM_H
+
+#include <Base/GCBase.h>
+
+#endif

@@ -1,0 +1,64 @@
+#include <GenTL/GenTL.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+
+using namespace GenTL;
+
+namespace {
+
+std::string LastErrorText(GC_ERROR* code) {
+    size_t size = 0;
+    EXPECT_EQ(GCGetLastError(code, nullptr, &size), GC_ERR_SUCCESS);
+    std::string text(size, '\0');
+    EXPECT_EQ(GCGetLastError(code, text.data(), &size), GC_ERR_SUCCESS);
+    text.resize(size ? size - 1 : 0);
+    return text;
+}
+
+} // namespace
+
+TEST(ProducerLibrary, InitialisesOnceAndRefusesUseWhenClosed) {
+    TL_HANDLE system = nullptr;
+    EXPECT_EQ(TLOpen(&system), GC_ERR_NOT_INITIALIZED);
+    ASSERT_EQ(GCInitLib(), GC_ERR_SUCCESS);
+    EXPECT_EQ(GCInitLib(), GC_ERR_RESOURCE_IN_USE);
+    ASSERT_EQ(GCCloseLib(), GC_ERR_SUCCESS);
+    EXPECT_EQ(GCCloseLib(), GC_ERR_NOT_INITIALIZED);
+}
+
+TEST(ProducerLibrary, SystemModuleOpensOnceAndRejectsForeignHandles) {
+    ASSERT_EQ(GCInitLib(), GC_ERR_SUCCESS);
+    TL_HANDLE system = nullptr;
+    ASSERT_EQ(TLOpen(&system), GC_ERR_SUCCESS);
+    TL_HANDLE second = nullptr;
+    EXPECT_EQ(TLOpen(&second), GC_ERR_RESOURCE_IN_USE);
+    EXPECT_EQ(TLOpen(nullptr), GC_ERR_INVALID_PARAMETER);
+    int foreign = 0;
+    EXPECT_EQ(TLClose(&foreign), GC_ERR_INVALID_HANDLE);
+    EXPECT_EQ(TLClose(system), GC_ERR_SUCCESS);
+    EXPECT_EQ(TLClose(system), GC_ERR_INVALID_HANDLE);
+    EXPECT_EQ(GCCloseLib(), GC_ERR_SUCCESS);
+}
+
+TEST(ProducerLibrary, LastErrorIsPerThreadAndSizeChecked) {
+    EXPECT_EQ(GCCloseLib(), GC_ERR_NOT_INITIALIZED);
+    GC_ERROR code = GC_ERR_SUCCESS;
+    std::string text = LastErrorText(&code);
+    EXPECT_EQ(code, GC_ERR_NOT_INITIALIZED);
+    EXPECT_FALSE(text.empty());
+
+    char tiny[2];
+    size_t size = sizeof(tiny);
+    EXPECT_EQ(GCGetLastError(&code, tiny, &size), GC_ERR_BUFFER_TOO_SMALL);
+    EXPECT_EQ(size, text.size() + 1);
+
+    std::thread other([] {
+        GC_ERROR otherCode = GC_ERR_ERROR;
+        EXPECT_EQ(LastErrorText(&otherCode), "");
+        EXPECT_EQ(otherCode, GC_ERR_SUCCESS);
+    });
+    other.join();
+}
