@@ -3,6 +3,7 @@
 option(ORVAN_WERROR "Treat compiler warnings as errors" OFF)
 option(ORVAN_BUILD_TESTS "Build the GoogleTest suites" ON)
 option(ORVAN_BUILD_BENCH "Build the Google Benchmark programs" ON)
+option(ORVAN_BUILD_FUZZ "Build the libFuzzer targets (clang only)" OFF)
 set(ORVAN_SANITIZE "" CACHE STRING "Sanitizers to build with: address,undefined or thread")
 
 set(CMAKE_CXX_STANDARD 17)

@@ -3,5 +3,6 @@
 #define GENICAM_H
 
 #include <Base/GCBase.h>
+#include <GenApi/GenApi.h>
 
 #endif

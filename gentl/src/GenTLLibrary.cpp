@@ -1,92 +1,113 @@
-// Library-level entry points of the producer: initialisation, the system module, last errors.
+// Library and system-module entry points: initialisation, last errors, library information and
+// the interface list.
+#include "EntryGuard.h"
+#include "Interface.h"
+#include "System.h"
+
 #include <GenTL/GenTL.h>
 
 #include <cstring>
-#include <mutex>
-#include <string>
 
-namespace {
-
-std::mutex g_libraryMutex;
-bool g_initialised = false;
-bool g_systemOpen = false;
-int g_systemToken = 0; // the system module's handle points here
-thread_local GenTL::GC_ERROR t_lastError = GenTL::GC_ERR_SUCCESS;
-thread_local std::string t_lastErrorText;
-
-GenTL::GC_ERROR Fail(GenTL::GC_ERROR code, const char* text) {
-    t_lastError = code;
-    t_lastErrorText = text;
-    return code;
-}
-
-GenTL::GC_ERROR Succeed() {
-    t_lastError = GenTL::GC_ERR_SUCCESS;
-    t_lastErrorText.clear();
-    return GenTL::GC_ERR_SUCCESS;
-}
-
-} // namespace
+using namespace Orvan::Producer;
 
 namespace GenTL {
 extern "C" {
 
-GC_ERROR GCInitLib() {
-    std::lock_guard<std::mutex> lock(g_libraryMutex);
-    if (g_initialised)
-        return Fail(GC_ERR_RESOURCE_IN_USE, "The producer is already initialised");
-    g_initialised = true;
-    return Succeed();
-}
-
-GC_ERROR GCCloseLib() {
-    std::lock_guard<std::mutex> lock(g_libraryMutex);
-    if (!g_initialised)
-        return Fail(GC_ERR_NOT_INITIALIZED, "The producer is not initialised");
-    g_initialised = false;
-    g_systemOpen = false;
-    return Succeed();
+GC_ERROR GCGetInfo(TL_INFO_CMD cmd, INFO_DATATYPE* type, void* buffer, size_t* size) {
+    // Allowed before GCInitLib, so a consumer can identify the producer before using it.
+    return Guarded(EntryPoint::GCGetInfo,
+                   [&] { System::LibraryInfo(cmd).WriteTo(type, buffer, size); });
 }
 
 GC_ERROR GCGetLastError(GC_ERROR* errorCode, char* text, size_t* size) {
+    // Reports but never records an error: asking must not change the answer.
+    std::string injectedText;
+    if (GC_ERROR injected =
+            FaultInjector::Instance().Check(EntryPoint::GCGetLastError, injectedText))
+        return injected;
     if (!errorCode || !size)
         return GC_ERR_INVALID_PARAMETER;
-    *errorCode = t_lastError;
-    size_t needed = t_lastErrorText.size() + 1;
-    if (!text) {
-        *size = needed;
-        return GC_ERR_SUCCESS;
-    }
-    if (*size < needed) {
-        *size = needed;
-        return GC_ERR_BUFFER_TOO_SMALL;
-    }
-    std::memcpy(text, t_lastErrorText.c_str(), needed);
+    *errorCode = LastErrorCode();
+    const std::string& message = LastErrorText();
+    const size_t needed = message.size() + 1;
+    const size_t capacity = *size;
     *size = needed;
+    if (!text)
+        return GC_ERR_SUCCESS;
+    if (capacity < needed)
+        return GC_ERR_BUFFER_TOO_SMALL;
+    std::memcpy(text, message.c_str(), needed);
     return GC_ERR_SUCCESS;
 }
 
-GC_ERROR TLOpen(TL_HANDLE* system) {
-    std::lock_guard<std::mutex> lock(g_libraryMutex);
-    if (!g_initialised)
-        return Fail(GC_ERR_NOT_INITIALIZED, "The producer is not initialised");
-    if (!system)
-        return Fail(GC_ERR_INVALID_PARAMETER, "The handle pointer is null");
-    if (g_systemOpen)
-        return Fail(GC_ERR_RESOURCE_IN_USE, "The system module is already open");
-    g_systemOpen = true;
-    *system = &g_systemToken;
-    return Succeed();
+GC_ERROR GCInitLib() {
+    return Guarded(EntryPoint::GCInitLib, [] { Library::Instance().Init(); });
 }
 
-GC_ERROR TLClose(TL_HANDLE system) {
-    std::lock_guard<std::mutex> lock(g_libraryMutex);
-    if (!g_initialised)
-        return Fail(GC_ERR_NOT_INITIALIZED, "The producer is not initialised");
-    if (system != &g_systemToken || !g_systemOpen)
-        return Fail(GC_ERR_INVALID_HANDLE, "Not an open system handle");
-    g_systemOpen = false;
-    return Succeed();
+GC_ERROR GCCloseLib() {
+    return Guarded(EntryPoint::GCCloseLib, [] { Library::Instance().Close(); });
+}
+
+GC_ERROR TLOpen(TL_HANDLE* phSystem) {
+    return Guarded(EntryPoint::TLOpen, [&] {
+        Library::Instance().RequireInit();
+        RequirePointer(phSystem, "phSystem");
+        *phSystem = Library::Instance().OpenSystem();
+    });
+}
+
+GC_ERROR TLClose(TL_HANDLE hSystem) {
+    return Guarded(EntryPoint::TLClose, [&] { Library::Instance().CloseSystem(hSystem); });
+}
+
+GC_ERROR TLGetInfo(TL_HANDLE hSystem, TL_INFO_CMD cmd, INFO_DATATYPE* type, void* buffer,
+                   size_t* size) {
+    return Guarded(EntryPoint::TLGetInfo, [&] {
+        Resolve<System>(hSystem, HandleKind::System);
+        System::LibraryInfo(cmd).WriteTo(type, buffer, size);
+    });
+}
+
+GC_ERROR TLGetNumInterfaces(TL_HANDLE hSystem, uint32_t* numInterfaces) {
+    return Guarded(EntryPoint::TLGetNumInterfaces, [&] {
+        auto system = Resolve<System>(hSystem, HandleKind::System);
+        RequirePointer(numInterfaces, "numInterfaces");
+        *numInterfaces = system->NumInterfaces();
+    });
+}
+
+GC_ERROR TLGetInterfaceID(TL_HANDLE hSystem, uint32_t index, char* id, size_t* size) {
+    return Guarded(EntryPoint::TLGetInterfaceID, [&] {
+        auto system = Resolve<System>(hSystem, HandleKind::System);
+        WriteText(system->InterfaceId(index), id, size);
+    });
+}
+
+GC_ERROR TLGetInterfaceInfo(TL_HANDLE hSystem, const char* interfaceId, INTERFACE_INFO_CMD cmd,
+                            INFO_DATATYPE* type, void* buffer, size_t* size) {
+    return Guarded(EntryPoint::TLGetInterfaceInfo, [&] {
+        auto system = Resolve<System>(hSystem, HandleKind::System);
+        RequirePointer(interfaceId, "interfaceId");
+        system->InterfaceInfo(interfaceId, cmd).WriteTo(type, buffer, size);
+    });
+}
+
+GC_ERROR TLOpenInterface(TL_HANDLE hSystem, const char* interfaceId, IF_HANDLE* phInterface) {
+    return Guarded(EntryPoint::TLOpenInterface, [&] {
+        auto system = Resolve<System>(hSystem, HandleKind::System);
+        RequirePointer(interfaceId, "interfaceId");
+        RequirePointer(phInterface, "phInterface");
+        *phInterface = system->OpenInterface(interfaceId);
+    });
+}
+
+GC_ERROR TLUpdateInterfaceList(TL_HANDLE hSystem, bool8_t* changed, uint64_t) {
+    return Guarded(EntryPoint::TLUpdateInterfaceList, [&] {
+        auto system = Resolve<System>(hSystem, HandleKind::System);
+        bool result = system->UpdateInterfaceList();
+        if (changed)
+            *changed = result ? 1 : 0;
+    });
 }
 
 } // extern "C"

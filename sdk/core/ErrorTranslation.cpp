@@ -124,7 +124,11 @@ const char* GenTLErrorName(int32_t code) {
 
 void ThrowGenTLError(int32_t code, const std::string& description, const ErrorSite& site,
                      const char* call) {
-    std::string producerText = ProducerErrorText();
+    ThrowGenTLError(code, description, site, call, ProducerErrorText());
+}
+
+void ThrowGenTLError(int32_t code, const std::string& description, const ErrorSite& site,
+                     const char* call, const std::string& producerText) {
     const CodeRow& row = RowFor(code);
     ThrowKind(row.kind,
               MessageHead(row, description, site) + "; GenTL::" + call + "); " + producerText,

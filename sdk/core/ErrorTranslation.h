@@ -28,6 +28,12 @@ std::string ProducerErrorText();
 [[noreturn]] void ThrowGenTLError(int32_t code, const std::string& description,
                                   const ErrorSite& site, const char* call);
 
+// The same with a producer text fetched earlier, on the thread that made the failing call: for
+// calls made on helper threads and reported after they were joined.
+[[noreturn]] void ThrowGenTLError(int32_t code, const std::string& description,
+                                  const ErrorSite& site, const char* call,
+                                  const std::string& producerText);
+
 // The short form without call and producer text: "<class> (<GC_ERR name>): <description>
 // (<file>, <function>)".
 [[noreturn]] void ThrowGenTLErrorShort(int32_t code, const std::string& description,

@@ -62,3 +62,18 @@ TEST(ProducerLibrary, LastErrorIsPerThreadAndSizeChecked) {
     });
     other.join();
 }
+
+TEST(ProducerLibrary, IdentifiesItselfBeforeInitialisation) {
+    INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
+    uint32_t major = 0;
+    size_t size = sizeof(major);
+    ASSERT_EQ(GCGetInfo(TL_INFO_GENTL_VER_MAJOR, &type, &major, &size), GC_ERR_SUCCESS);
+    EXPECT_EQ(type, INFO_DATATYPE_UINT32);
+    EXPECT_EQ(major, 1u);
+    char name[256];
+    size = sizeof(name);
+    ASSERT_EQ(GCGetInfo(TL_INFO_NAME, &type, name, &size), GC_ERR_SUCCESS);
+    EXPECT_EQ(type, INFO_DATATYPE_STRING);
+    EXPECT_NE(std::string(name).find("OrvanGenTL"), std::string::npos) << name;
+    EXPECT_EQ(GCGetInfo(999, &type, name, &size), GC_ERR_INVALID_PARAMETER);
+}

@@ -1,0 +1,17 @@
+#ifndef GENAPI_IENUMENTRY_H
+#define GENAPI_IENUMENTRY_H
+
+#include <GenApi/IValue.h>
+
+namespace GenApi {
+
+struct IEnumEntry : virtual public IValue {
+    virtual int64_t GetValue() = 0;
+    virtual gcstring GetSymbolic() const = 0;
+    virtual double GetNumericValue() = 0;
+    virtual bool IsSelfClearing() = 0;
+};
+
+} // namespace GenApi
+
+#endif

@@ -1,0 +1,43 @@
+#include "IntegerNode.h"
+
+#include "ValueAccess.h"
+
+namespace GenApi {
+namespace detail {
+
+void IntegerNode::Link(const NodeDescription& description) {
+    IntegerBase::Link(description);
+    m_value.Link(*this, description);
+    m_min.Link(*this, description, "Min", "pMin");
+    m_max.Link(*this, description, "Max", "pMax");
+    m_inc.Link(*this, description, "Inc", "pInc");
+}
+
+int64_t IntegerNode::RawValue(bool verify, bool ignoreCache) {
+    return m_value.GetInt(verify, ignoreCache);
+}
+
+// Without limits of its own the node has those of the node holding its value.
+int64_t IntegerNode::RawMin() {
+    if (m_min.IsSet())
+        return m_min.GetInt();
+    Node* node = m_value.LimitsNode();
+    return node ? ReadIntMin(node) : IntegerBase::RawMin();
+}
+
+int64_t IntegerNode::RawMax() {
+    if (m_max.IsSet())
+        return m_max.GetInt();
+    Node* node = m_value.LimitsNode();
+    return node ? ReadIntMax(node) : IntegerBase::RawMax();
+}
+
+int64_t IntegerNode::RawInc() {
+    if (m_inc.IsSet())
+        return m_inc.GetInt();
+    Node* node = m_value.LimitsNode();
+    return node ? ReadIntInc(node) : 1;
+}
+
+} // namespace detail
+} // namespace GenApi

@@ -1,0 +1,39 @@
+// The Port node: the map's way to the registers of a device, forwarding to the IPort that the
+// application connected to it.
+#ifndef ORVAN_GENAPI_PORTNODE_H
+#define ORVAN_GENAPI_PORTNODE_H
+
+#include "ValueNode.h"
+
+#include <GenApi/IPort.h>
+
+namespace GenApi {
+namespace detail {
+
+class PortNode : public Node, public IPortConstruct {
+public:
+    PortNode(NodeMap& map, const NodeDescription& description);
+
+    EInterfaceType GetPrincipalInterfaceType() const override { return intfIPort; }
+    void Read(void* buffer, int64_t address, int64_t length) override;
+    void Write(const void* buffer, int64_t address, int64_t length) override;
+    void SetPortImpl(IPort* port) override;
+    // Reported to the transport layer, which swaps if it has to; the bytes pass through here
+    // unchanged.
+    EYesNo GetSwapEndianess() override { return m_swapEndianess ? Yes : No; }
+
+    const std::string& ChunkId() const { return m_chunkId; }
+
+protected:
+    EAccessMode InternalAccessMode() const override;
+
+private:
+    IPort* m_port = nullptr;
+    std::string m_chunkId;
+    bool m_swapEndianess = false;
+};
+
+} // namespace detail
+} // namespace GenApi
+
+#endif

@@ -1,0 +1,139 @@
+#include "RegisterAccess.h"
+
+#include "Node.h"
+#include "PortNode.h"
+#include "TextParsing.h"
+#include "ValueAccess.h"
+
+#include <Base/GCException.h>
+#include <GenApi/AccessModeHelpers.h>
+
+#include <cinttypes>
+#include <cstring>
+
+namespace GenApi {
+namespace detail {
+
+namespace {
+
+// Registers longer than this are refused rather than allocated: a length read from a device
+// that does not hold a sensible value must not exhaust memory.
+constexpr int64_t kMaxRegisterLength = 64 * 1024 * 1024;
+
+} // namespace
+
+void RegisterAccess::Link(Node& owner, const NodeDescription& description) {
+    m_owner = &owner;
+    for (const auto& property : description.properties) {
+        const std::string& name = property.name;
+        if (name == "Address")
+            m_constantAddress += ParseInt64(property);
+        else if (name == "pAddress") {
+            Node* node = owner.Resolve(property);
+            m_addressNodes.push_back(node);
+            owner.AddReadingChild(node);
+        } else if (name == "pIndex") {
+            IndexTerm term{owner.Resolve(property), nullptr, 1};
+            owner.AddReadingChild(term.index);
+            if (const std::string* offset = property.Attribute("Offset")) {
+                if (!TryParseInt64(*offset, term.offset))
+                    throw RUNTIME_EXCEPTION("Invalid Offset '%s' at line %u", offset->c_str(),
+                                            property.line);
+            } else if (const std::string* offsetNode = property.Attribute("pOffset")) {
+                Property reference{"pOffset", *offsetNode, {}, property.line};
+                term.offsetNode = owner.Resolve(reference);
+                owner.AddReadingChild(term.offsetNode);
+            }
+            m_indexTerms.push_back(term);
+        } else if (name == "Length")
+            m_constantLength = ParseInt64(property);
+        else if (name == "pLength") {
+            m_lengthNode = owner.Resolve(property);
+            owner.AddReadingChild(m_lengthNode);
+        } else if (name == "pPort") {
+            Node* port = owner.Resolve(property);
+            m_port = dynamic_cast<PortNode*>(port);
+            if (!m_port)
+                throw RUNTIME_EXCEPTION("Node '%s' at line %u names '%s' as its port, which is "
+                                        "not a port",
+                                        owner.Name().c_str(), property.line, property.text.c_str());
+            owner.AddReadingChild(port);
+        } else if (name == "AccessMode")
+            m_accessMode = ParseAccessMode(property);
+        else if (name == "Endianess")
+            m_endianess = ParseEndianess(property);
+    }
+}
+
+int64_t RegisterAccess::Address() const {
+    uint64_t address = static_cast<uint64_t>(m_constantAddress);
+    for (Node* node : m_addressNodes)
+        address += static_cast<uint64_t>(ReadInt(node, false, false));
+    for (const IndexTerm& term : m_indexTerms) {
+        int64_t offset = term.offsetNode ? ReadInt(term.offsetNode, false, false) : term.offset;
+        address += static_cast<uint64_t>(ReadInt(term.index, false, false)) *
+                   static_cast<uint64_t>(offset);
+    }
+    return static_cast<int64_t>(address);
+}
+
+int64_t RegisterAccess::Length() const {
+    return m_lengthNode ? ReadInt(m_lengthNode, false, false) : m_constantLength;
+}
+
+// The register can be reached only while its port and every node its address and length come
+// from can be.
+EAccessMode RegisterAccess::AccessMode() const {
+    if (!m_port)
+        return NI;
+    EAccessMode mode = Combine(m_accessMode, m_port->GetAccessMode());
+    auto restrict = [&mode](Node* node) {
+        EAccessMode nodeMode = node->GetAccessMode();
+        if (nodeMode == NI)
+            mode = NI;
+        else if (!IsReadable(nodeMode) && mode != NI)
+            mode = NA;
+    };
+    for (Node* node : m_addressNodes)
+        restrict(node);
+    for (const IndexTerm& term : m_indexTerms) {
+        restrict(term.index);
+        if (term.offsetNode)
+            restrict(term.offsetNode);
+    }
+    if (m_lengthNode)
+        restrict(m_lengthNode);
+    return mode;
+}
+
+const std::vector<uint8_t>& RegisterAccess::Read(bool ignoreCache) {
+    if (m_cacheValid && !ignoreCache && m_owner->GetCachingMode() != NoCache)
+        return m_cache;
+    int64_t address = Address();
+    int64_t length = Length();
+    if (length < 0 || length > kMaxRegisterLength)
+        throw OUT_OF_RANGE_EXCEPTION("Node '%s' has an unusable length of %" PRId64 " bytes",
+                                     m_owner->Name().c_str(), length);
+    if (!m_port)
+        throw ACCESS_EXCEPTION("Node '%s' has no port", m_owner->Name().c_str());
+    std::vector<uint8_t> bytes(static_cast<size_t>(length));
+    m_port->Read(bytes.data(), address, length);
+    m_cache.swap(bytes);
+    m_cacheValid = m_owner->GetCachingMode() != NoCache;
+    return m_cache;
+}
+
+void RegisterAccess::Write(const uint8_t* data, int64_t length) {
+    if (!m_port)
+        throw ACCESS_EXCEPTION("Node '%s' has no port", m_owner->Name().c_str());
+    m_port->Write(data, Address(), length);
+    if (m_owner->GetCachingMode() == WriteThrough) {
+        m_cache.assign(data, data + length);
+        m_cacheValid = true;
+    } else {
+        m_cacheValid = false;
+    }
+}
+
+} // namespace detail
+} // namespace GenApi

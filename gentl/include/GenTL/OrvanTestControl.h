@@ -1,0 +1,74 @@
+/*
+ * Test control of the Orvan producer: a small C interface, separate from GenTL, through which a
+ * test sets up the virtual cameras and injects faults. Nothing here is needed to use the
+ * producer; a GenTL consumer never calls it.
+ *
+ * Every function may be called before GCInitLib, between GCInitLib and GCCloseLib, and after
+ * GCCloseLib. They return 0 on success and a negative value on bad arguments (documented per
+ * function). Settings persist until changed or until OrvanTC_Reset.
+ */
+#ifndef ORVAN_GENTL_ORVANTESTCONTROL_H
+#define ORVAN_GENTL_ORVANTESTCONTROL_H
+
+#include <GenTL/GenTL.h>
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Failure results of the functions below. */
+#define ORVAN_TC_OK 0
+#define ORVAN_TC_BAD_ARGUMENT (-1) /* null pointer, zero count, unknown name */
+#define ORVAN_TC_NOT_FOUND (-2)    /* no open system, or no camera with that id */
+
+/* Frame faults for OrvanTC_InjectFrameFault. */
+#define ORVAN_TC_FAULT_DROP 0       /* the frame is never delivered; it counts as lost */
+#define ORVAN_TC_FAULT_CORRUPT 1    /* delivered with damaged pixels */
+#define ORVAN_TC_FAULT_INCOMPLETE 2 /* delivered, marked incomplete */
+
+/*
+ * Chooses the virtual cameras: models[i] is one of "Mono", "Color", "LineScan", "MultiStream",
+ * "Compressed", "EventSensor". Camera i sits on virtual interface i % interfaceCount. Takes
+ * effect when the system module is next opened (TLOpen). The default is one "Mono" camera on one
+ * interface. count may be 0 (interfaces without cameras). Unknown model or interfaceCount 0:
+ * ORVAN_TC_BAD_ARGUMENT.
+ */
+GC_IMPORT_EXPORT int32_t OrvanTC_SetVirtualCameras(const char* const* models, uint32_t count,
+                                                   uint32_t interfaceCount);
+
+/*
+ * Unplugs (connected = 0) or replugs (connected != 0) the camera with that device id (the
+ * DEVICE_INFO_ID of IFGetDeviceID) in the open system. While unplugged the camera answers no
+ * register access, sends no frames, leaves the device lists at the next IFUpdateDeviceList and
+ * DevGetInfo(DEVICE_INFO_ORVAN_CONNECTED) reads false. Unplugging raises EVENT_ERROR on the open
+ * device module. ORVAN_TC_NOT_FOUND without an open system or camera of that id.
+ */
+GC_IMPORT_EXPORT int32_t OrvanTC_SetDeviceConnected(const char* deviceId, int32_t connected);
+
+/*
+ * The next `count` frames of every stream of that camera suffer the fault
+ * (ORVAN_TC_FAULT_*). ORVAN_TC_NOT_FOUND as above.
+ */
+GC_IMPORT_EXPORT int32_t OrvanTC_InjectFrameFault(const char* deviceId, int32_t fault,
+                                                  uint32_t count);
+
+/*
+ * Makes the exported function named `function` (for example "DSQueueBuffer", "GCInitLib",
+ * "GCGetLastError") fail once, on its nthCall-th call from now (1 = the next call), returning
+ * `code` without doing anything; GCGetLastError then reports `code` and `text` (except when
+ * GCGetLastError itself is the one failing). nthCall 0 disarms the function. Unknown name, null
+ * text or code GC_ERR_SUCCESS: ORVAN_TC_BAD_ARGUMENT.
+ */
+GC_IMPORT_EXPORT int32_t OrvanTC_FailCall(const char* function, uint32_t nthCall, int32_t code,
+                                          const char* text);
+
+/* Disarms every injected call failure and restores the default cameras. */
+GC_IMPORT_EXPORT int32_t OrvanTC_Reset(void);
+
+#ifdef __cplusplus
+} /* extern "C" */
+#endif
+
+#endif /* ORVAN_GENTL_ORVANTESTCONTROL_H */

@@ -1,0 +1,273 @@
+#include "Interface.h"
+
+#include "Device.h"
+#include "DeviceInfoQuery.h"
+#include "GenTLError.h"
+#include "System.h"
+#include "VirtualNetwork.h"
+
+#include <GenTL/GenTLExtensions.h>
+
+#include <algorithm>
+
+namespace Orvan {
+namespace Producer {
+
+namespace {
+
+PortIdentity InterfacePortIdentity(const std::string& id) {
+    PortIdentity identity;
+    identity.id = id;
+    identity.vendor = "Orvan";
+    identity.model = "Orvan virtual interface";
+    identity.tlType = TLTypeGEVName;
+    identity.module = TLInterfaceModuleName;
+    identity.portName = "InterfacePort";
+    identity.version = "1.0";
+    return identity;
+}
+
+// Access status values as the SFNC enumeration DeviceAccessStatus names them.
+const std::vector<std::pair<std::string, int64_t>> kAccessStatusEntries = {
+    {"Unknown", GenTL::DEVICE_ACCESS_STATUS_UNKNOWN},
+    {"ReadWrite", GenTL::DEVICE_ACCESS_STATUS_READWRITE},
+    {"ReadOnly", GenTL::DEVICE_ACCESS_STATUS_READONLY},
+    {"NoAccess", GenTL::DEVICE_ACCESS_STATUS_NOACCESS},
+    {"Busy", GenTL::DEVICE_ACCESS_STATUS_BUSY},
+    {"OpenReadWrite", GenTL::DEVICE_ACCESS_STATUS_OPEN_READWRITE},
+    {"OpenReadOnly", GenTL::DEVICE_ACCESS_STATUS_OPEN_READONLY}};
+
+} // namespace
+
+std::shared_ptr<Interface> Interface::Create(const std::shared_ptr<System>& system,
+                                             const std::string& id, const Address& address,
+                                             std::vector<std::shared_ptr<RemoteDevice>> cameras) {
+    std::shared_ptr<Interface> interface(new Interface(id, address, std::move(cameras)));
+    interface->m_system = system;
+    interface->m_parentHandle = system->Handle();
+    interface->m_handle = HandleRegistry::Instance().Add(interface, HandleKind::Interface);
+    return interface;
+}
+
+Interface::Interface(const std::string& id, const Address& address,
+                     std::vector<std::shared_ptr<RemoteDevice>> cameras)
+    : m_id(id), m_address(address), m_cameras(std::move(cameras)),
+      m_port(InterfacePortIdentity(id)) {
+    Describe();
+}
+
+Interface::~Interface() = default;
+
+std::shared_ptr<RemoteDevice> Interface::SelectedDevice() const {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    uint32_t index = m_deviceSelector.load();
+    if (index >= m_discovered.size())
+        throw GenTLError(GenTL::GC_ERR_INVALID_INDEX, "DeviceSelector names no device");
+    return m_discovered[index];
+}
+
+void Interface::Describe() {
+    ModuleDescription description("GenTLInterface", "InterfacePort");
+    description.Category("InterfaceInformation");
+    description.String("InterfaceID", [this] { return m_id; });
+    description.String("InterfaceDisplayName",
+                       [this] { return VirtualNetwork::InterfaceDisplayName(m_id); });
+    description.Enumeration("InterfaceType", {{"GigEVision", 1}}, [] { return 1; });
+    description.Integer("GevInterfaceGatewaySelector", [] { return 0; }).Max([] { return 0; });
+    description.Integer("GevInterfaceGateway", [] { return 0; }).Ip();
+    description.Integer("GevInterfaceMACAddress", [this] { return m_address.mac; }).Mac();
+    description.Integer("GevInterfaceSubnetSelector", [] { return 0; }).Max([] { return 0; });
+    description.Integer("GevInterfaceSubnetIPAddress", [this] { return m_address.ip; }).Ip();
+    description.Integer("GevInterfaceSubnetMask", [this] { return m_address.subnet; }).Ip();
+    description.Category("DeviceEnumeration");
+    description.Command("DeviceUpdateList", [this] { UpdateDeviceList(); });
+    description
+        .Integer(
+            "DeviceSelector", [this] { return static_cast<int64_t>(m_deviceSelector.load()); },
+            [this](int64_t value) {
+                if (value < 0 || value >= std::max<int64_t>(1, NumDevices()))
+                    throw GenTLError(GenTL::GC_ERR_INVALID_VALUE, "No device with that index");
+                m_deviceSelector.store(static_cast<uint32_t>(value));
+            })
+        .Max([this] { return std::max<int64_t>(0, int64_t(NumDevices()) - 1); })
+        .Selects("DeviceID")
+        .Selects("DeviceVendorName")
+        .Selects("DeviceModelName")
+        .Selects("DeviceSerialNumber")
+        .Selects("DeviceUserID")
+        .Selects("DeviceAccessStatus")
+        .Selects("GevDeviceIPAddress")
+        .Selects("GevDeviceSubnetMask")
+        .Selects("GevDeviceGateway")
+        .Selects("GevDeviceMACAddress");
+    auto identity = [this] { return SelectedDevice()->Identity(); };
+    description.String("DeviceID", [identity] { return identity().id; });
+    description.String("DeviceVendorName", [identity] { return identity().vendor; });
+    description.String("DeviceModelName", [identity] { return identity().model; });
+    description.String("DeviceSerialNumber", [identity] { return identity().serialNumber; });
+    description.String("DeviceUserID", [identity] { return identity().userDefinedName; });
+    description.Enumeration("DeviceAccessStatus", kAccessStatusEntries,
+                            [this, identity] { return AccessStatus(identity().id); });
+    description.Integer("GevDeviceIPAddress", [identity] { return identity().ip; }).Ip();
+    description.Integer("GevDeviceSubnetMask", [identity] { return identity().subnet; }).Ip();
+    description.Integer("GevDeviceGateway", [identity] { return identity().gateway; }).Ip();
+    description.Integer("GevDeviceMACAddress", [identity] { return identity().mac; }).Mac();
+    m_port.Describe(description);
+}
+
+void Interface::Close() {
+    std::map<std::string, std::shared_ptr<Device>> open;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_closed = true; // no device opens from here on
+        open = m_open;
+    }
+    for (auto& entry : open)
+        entry.second->Close();
+    UnregisterAllEvents();
+    HandleRegistry::Instance().Remove(m_handle);
+    if (auto system = m_system.lock())
+        system->Forget(this);
+}
+
+InfoValue Interface::Info(GenTL::INTERFACE_INFO_CMD cmd) const {
+    switch (cmd) {
+    case GenTL::INTERFACE_INFO_ID:
+        return InfoValue::String(m_id);
+    case GenTL::INTERFACE_INFO_DISPLAYNAME:
+        return InfoValue::String(VirtualNetwork::InterfaceDisplayName(m_id));
+    case GenTL::INTERFACE_INFO_TLTYPE:
+        return InfoValue::String(TLTypeGEVName);
+    case GenTL::INTERFACE_INFO_ORVAN_GEV_MAC_ADDRESS:
+        return InfoValue::UInt64(m_address.mac);
+    case GenTL::INTERFACE_INFO_ORVAN_GEV_IP_ADDRESS:
+        return InfoValue::UInt64(m_address.ip);
+    default:
+        throw GenTLError(GenTL::GC_ERR_INVALID_PARAMETER,
+                         "Unknown interface info command " + std::to_string(cmd));
+    }
+}
+
+bool Interface::UpdateDeviceList() {
+    std::vector<std::shared_ptr<RemoteDevice>> found;
+    for (const auto& camera : m_cameras)
+        if (camera->IsConnected())
+            found.push_back(camera);
+    std::lock_guard<std::mutex> lock(m_mutex);
+    bool changed = found != m_discovered;
+    m_discovered = std::move(found);
+    return changed;
+}
+
+uint32_t Interface::NumDevices() const {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return static_cast<uint32_t>(m_discovered.size());
+}
+
+std::string Interface::DeviceId(uint32_t index) const {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (index >= m_discovered.size())
+        throw GenTLError(GenTL::GC_ERR_INVALID_INDEX,
+                         "The interface lists " + std::to_string(m_discovered.size()) + " devices");
+    return m_discovered[index]->Identity().id;
+}
+
+std::shared_ptr<RemoteDevice> Interface::Discovered(const std::string& deviceId) const {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    for (const auto& camera : m_discovered)
+        if (camera->Identity().id == deviceId)
+            return camera;
+    throw GenTLError(GenTL::GC_ERR_INVALID_ID, "No device '" + deviceId + "' on " + m_id +
+                                                   " (IFUpdateDeviceList finds devices)");
+}
+
+int32_t Interface::AccessStatus(const std::string& deviceId) const {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    auto it = m_open.find(deviceId);
+    if (it == m_open.end())
+        return GenTL::DEVICE_ACCESS_STATUS_READWRITE;
+    return it->second->AccessStatus() == GenTL::DEVICE_ACCESS_STATUS_READWRITE
+               ? GenTL::DEVICE_ACCESS_STATUS_OPEN_READWRITE
+               : GenTL::DEVICE_ACCESS_STATUS_OPEN_READONLY;
+}
+
+InfoValue Interface::DeviceInfo(const std::string& deviceId, GenTL::DEVICE_INFO_CMD cmd) const {
+    std::shared_ptr<RemoteDevice> camera = Discovered(deviceId);
+    if (cmd == GenTL::DEVICE_INFO_ORVAN_CONNECTED)
+        throw GenTLError(GenTL::GC_ERR_NOT_IMPLEMENTED,
+                         "The connection state is a DevGetInfo query of an open device");
+    return QueryDeviceInfo(*camera, AccessStatus(deviceId), cmd);
+}
+
+GenTL::DEV_HANDLE Interface::OpenDevice(const std::string& deviceId,
+                                        GenTL::DEVICE_ACCESS_FLAGS flags) {
+    if (flags < GenTL::DEVICE_ACCESS_NONE || flags > GenTL::DEVICE_ACCESS_EXCLUSIVE)
+        throw GenTLError(GenTL::GC_ERR_INVALID_PARAMETER,
+                         "Unknown access flags " + std::to_string(flags));
+    std::shared_ptr<RemoteDevice> camera = Discovered(deviceId);
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_closed)
+        throw GenTLError(GenTL::GC_ERR_INVALID_HANDLE, "The interface is closed");
+    if (m_open.count(deviceId))
+        throw GenTLError(GenTL::GC_ERR_RESOURCE_IN_USE, "Device '" + deviceId + "' is open");
+    if (!camera->IsConnected())
+        throw GenTLError(GenTL::GC_ERR_IO, "Device '" + deviceId + "' does not answer");
+    auto device =
+        Device::Create(std::static_pointer_cast<Interface>(shared_from_this()), camera, flags);
+    m_open[deviceId] = device;
+    return device->Handle();
+}
+
+void Interface::Forget(const Device* closed) {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    for (auto it = m_open.begin(); it != m_open.end(); ++it) {
+        if (it->second.get() == closed) {
+            m_open.erase(it);
+            return;
+        }
+    }
+}
+
+void Interface::ForceIp(uint64_t mac, uint32_t ip, uint32_t subnet, uint32_t gateway) {
+    for (const auto& camera : m_cameras) {
+        if (camera->Identity().mac == mac) {
+            GenTL::GC_ERROR status = camera->ForceIp(ip, subnet, gateway);
+            if (status != GenTL::GC_ERR_SUCCESS)
+                throw GenTLError(status, "The camera refused FORCEIP");
+            return;
+        }
+    }
+    throw GenTLError(GenTL::GC_ERR_INVALID_ID,
+                     "No camera with that MAC address answers on " + m_id);
+}
+
+void Interface::AddUnicastDevice(uint32_t ip) {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (std::find(m_unicast.begin(), m_unicast.end(), ip) == m_unicast.end())
+        m_unicast.push_back(ip);
+}
+
+void Interface::RemoveUnicastDevice(uint32_t ip) {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_unicast.erase(std::remove(m_unicast.begin(), m_unicast.end(), ip), m_unicast.end());
+}
+
+std::vector<uint32_t> Interface::UnicastDevices() const {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_unicast;
+}
+
+void Interface::NotifyConnection(const std::string& deviceId, bool connected) {
+    std::shared_ptr<Device> device;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        auto it = m_open.find(deviceId);
+        if (it == m_open.end())
+            return;
+        device = it->second;
+    }
+    device->NotifyConnection(connected);
+}
+
+} // namespace Producer
+} // namespace Orvan

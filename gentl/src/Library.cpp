@@ -1,0 +1,70 @@
+#include "Library.h"
+
+#include "CameraCatalog.h"
+#include "GenTLError.h"
+#include "HandleRegistry.h"
+#include "System.h"
+
+namespace Orvan {
+namespace Producer {
+
+Library& Library::Instance() {
+    static Library instance;
+    return instance;
+}
+
+void Library::ThrowNotInitialised() {
+    throw GenTLError(GenTL::GC_ERR_NOT_INITIALIZED, "The producer is not initialised (GCInitLib)");
+}
+
+void Library::Init() {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_initialised.load())
+        throw GenTLError(GenTL::GC_ERR_RESOURCE_IN_USE, "The producer is already initialised");
+    m_initialised.store(true, std::memory_order_release);
+}
+
+void Library::Close() {
+    std::shared_ptr<System> system;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        RequireInit();
+        m_initialised.store(false, std::memory_order_release);
+        system = std::move(m_system);
+        m_systemHandle = nullptr;
+    }
+    if (system)
+        system->Close();
+}
+
+GenTL::TL_HANDLE Library::OpenSystem() {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    RequireInit();
+    if (m_system)
+        throw GenTLError(GenTL::GC_ERR_RESOURCE_IN_USE, "The system module is already open");
+    auto system = System::Create(CameraCatalog::Instance().MakeCameras());
+    m_systemHandle = system->Handle();
+    m_system = std::move(system);
+    return m_systemHandle;
+}
+
+void Library::CloseSystem(GenTL::TL_HANDLE handle) {
+    std::shared_ptr<System> system;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        RequireInit();
+        if (!m_system || handle != m_systemHandle)
+            throw GenTLError(GenTL::GC_ERR_INVALID_HANDLE, "Not the open system module");
+        system = std::move(m_system);
+        m_systemHandle = nullptr;
+    }
+    system->Close();
+}
+
+std::shared_ptr<System> Library::OpenedSystem() const {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_system;
+}
+
+} // namespace Producer
+} // namespace Orvan

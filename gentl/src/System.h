@@ -1,0 +1,74 @@
+// The system module (TL_HANDLE): the list of interfaces and the library-level information.
+#ifndef ORVAN_GENTL_SYSTEM_H
+#define ORVAN_GENTL_SYSTEM_H
+
+#include "LocalPort.h"
+#include "Module.h"
+#include "RemoteDevice.h"
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace Orvan {
+namespace Producer {
+
+class Interface;
+
+class System : public Module {
+public:
+    using CameraLists = std::vector<std::vector<std::shared_ptr<RemoteDevice>>>;
+
+    static std::shared_ptr<System> Create(CameraLists cameras);
+    ~System() override;
+
+    GenTL::TL_HANDLE Handle() const { return m_handle; }
+    Port& GetPort() override { return m_port; }
+    void Close();
+
+    // Library information, also answered before GCInitLib through GCGetInfo.
+    static InfoValue LibraryInfo(GenTL::TL_INFO_CMD cmd);
+
+    uint32_t NumInterfaces() const { return static_cast<uint32_t>(m_slots.size()); }
+    std::string InterfaceId(uint32_t index) const;
+    InfoValue InterfaceInfo(const std::string& id, GenTL::INTERFACE_INFO_CMD cmd) const;
+    GenTL::IF_HANDLE OpenInterface(const std::string& id);
+    // Interfaces are fixed for the life of the system module; nothing ever changes.
+    bool UpdateInterfaceList() const { return false; }
+    // Called by an interface as it closes.
+    void Forget(const Interface* closed);
+
+    // The camera with that device id on any interface, or null.
+    std::shared_ptr<RemoteDevice> FindCamera(const std::string& deviceId) const;
+    // Tells an open device module that its camera's connection changed.
+    void NotifyConnection(const std::string& deviceId, bool connected) const;
+
+private:
+    struct Slot {
+        std::string id;
+        uint64_t mac = 0;
+        uint32_t ip = 0;
+        uint32_t subnet = 0;
+        std::vector<std::shared_ptr<RemoteDevice>> cameras;
+        std::shared_ptr<Interface> open;
+        GenTL::IF_HANDLE handle = nullptr;
+    };
+
+    explicit System(CameraLists cameras);
+    void Describe();
+    size_t SlotIndex(const std::string& id) const;
+
+    mutable std::mutex m_mutex;
+    std::vector<Slot> m_slots;
+    bool m_closed = false;
+    GenTL::TL_HANDLE m_handle = nullptr;
+    LocalPort m_port;
+    std::atomic<uint32_t> m_interfaceSelector{0};
+};
+
+} // namespace Producer
+} // namespace Orvan
+
+#endif

@@ -1,0 +1,191 @@
+#include <Orvan/ImageFactory.h>
+
+#include "CompressedImageExtendedChunk.h"
+#include "ImageExtendedChunk.h"
+#include "PayloadType.h"
+#include "core/ErrorTranslation.h"
+#include "core/Orvan.h"
+
+#include <Orvan/PixelFormat.h>
+
+#include <cstring>
+#include <string>
+
+namespace Orvan {
+
+namespace {
+
+const char* const kNeverInitialized =
+    "Orvan SDK never initialized, open system (Orvan::OpenSystem) to initialize";
+
+template <class E>
+[[noreturn]] void Fail(const std::string& description, const char* function) {
+    ThrowLibraryError<E>(description, ORVAN_SITE("ImageFactory", function));
+}
+
+void CheckInit(const char* op) {
+    if (!HasImageFactoryInit())
+        Fail<GenICam::RuntimeException>(std::string(kNeverInitialized) + " (" + op + ")",
+                                        "CheckInit");
+}
+
+void CheckParam(const uint8_t* data, const char* op) {
+    if (data == nullptr)
+        Fail<GenICam::InvalidArgumentException>(std::string("Data is null (") + op + ")",
+                                                "CheckParam");
+}
+
+void CheckParam(uint64_t value, const char* op) {
+    if (value == 0)
+        Fail<GenICam::InvalidArgumentException>(std::string("Param is 0 (") + op + ")",
+                                                "CheckParam");
+}
+
+void CheckParam(IBuffer* pImage, const char* op) {
+    if (pImage == nullptr)
+        Fail<GenICam::InvalidArgumentException>(std::string("Image is null (") + op + ")",
+                                                "CheckParam");
+}
+
+void CheckLen(size_t length, size_t expected, const char* op) {
+    if (length != expected)
+        Fail<GenICam::InvalidArgumentException>("Buffer length " + std::to_string(length) +
+                                                    " does not match expected " +
+                                                    std::to_string(expected) + " (" + op + ")",
+                                                "CheckLen");
+}
+
+size_t ExpectedSize(size_t width, size_t height, uint64_t pixelFormat) {
+    return width * height * GetBitsPerPixel(pixelFormat) >> 3;
+}
+
+// The checks shared by every operation that takes caller pixels.
+size_t CheckPixels(const uint8_t* data, size_t size, size_t width, size_t height,
+                   uint64_t pixelFormat, const char* op) {
+    CheckInit(op);
+    CheckParam(data, op);
+    CheckParam(size, op);
+    CheckParam(width, op);
+    CheckParam(height, op);
+    const size_t expected = ExpectedSize(width, height, pixelFormat);
+    CheckLen(size, expected, op);
+    return expected;
+}
+
+IImage* NewImage(uint8_t* block, bool notOwner, size_t length, size_t width, size_t height,
+                 uint64_t pixelFormat) {
+    auto* image = new Image();
+    image->SetDataBlock(block);
+    FillImageProps(image, length, width, height, pixelFormat);
+    image->SetNotOwner(notOwner);
+    return image;
+}
+
+// The checks before a destroy frees anything, in order; returns the buffer part.
+Buffer* CheckDestroyable(IBuffer* pImage, Buffer* pBuffer, const char* function,
+                         const char* notFromFactory) {
+    if (!HasImageFactoryInit())
+        Fail<GenICam::RuntimeException>(kNeverInitialized, function);
+    if (pImage == nullptr)
+        Fail<GenICam::InvalidArgumentException>("Image is null", function);
+    if (pBuffer == nullptr)
+        Fail<GenICam::InvalidArgumentException>("Image not made by the library", function);
+    if (pBuffer->GetStream() != nullptr || pBuffer->GetBufferHandle() != nullptr)
+        Fail<GenICam::InvalidArgumentException>(notFromFactory, function);
+    return pBuffer;
+}
+
+} // namespace
+
+IImage* ImageFactory::Create(const uint8_t* data, size_t size, size_t width, size_t height,
+                             uint64_t pixelFormat) {
+    const size_t expected = CheckPixels(data, size, width, height, pixelFormat, "Create");
+    auto* block = new uint8_t[expected]();
+    std::memcpy(block, data, expected);
+    return NewImage(block, false, size, width, height, pixelFormat);
+}
+
+IImage* ImageFactory::CreateEmpty(size_t size, size_t width, size_t height, uint64_t pixelFormat) {
+    CheckInit("CreateEmpty");
+    CheckParam(size, "CreateEmpty");
+    CheckParam(width, "CreateEmpty");
+    CheckParam(height, "CreateEmpty");
+    const size_t expected = ExpectedSize(width, height, pixelFormat);
+    CheckLen(size, expected, "CreateEmpty");
+    return NewImage(new uint8_t[expected](), false, expected, width, height, pixelFormat);
+}
+
+IImage* ImageFactory::Shallow(const uint8_t* data, size_t size, size_t width, size_t height,
+                              uint64_t pixelFormat) {
+    CheckPixels(data, size, width, height, pixelFormat, "Shallow");
+    // The caller keeps the memory: the image only points at it and never frees it.
+    return NewImage(const_cast<uint8_t*>(data), true, size, width, height, pixelFormat);
+}
+
+IImage* ImageFactory::Copy(IImage* pImage) {
+    CheckInit("Copy");
+    CheckParam(pImage, "Copy");
+    const size_t payloadType = pImage->GetPayloadType();
+    if (payloadType == PayloadType::kImage) {
+        if (auto* source = dynamic_cast<Image*>(pImage))
+            return new Image(source);
+    } else if (payloadType == PayloadType::kImageWithChunks) {
+        if (auto* source = dynamic_cast<ImageExtendedChunk*>(pImage))
+            return new ImageExtendedChunk(source);
+    }
+    Fail<GenICam::InvalidArgumentException>("Unknown payload type", "Copy");
+}
+
+ICompressedImage* ImageFactory::CopyCompressedImage(ICompressedImage* pImage) {
+    CheckInit("CopyCompressedImage");
+    CheckParam(pImage, "CopyCompressedImage");
+    const size_t payloadType = pImage->GetPayloadType();
+    if (payloadType == PayloadType::kCompressedImage) {
+        if (auto* source = dynamic_cast<CompressedImage*>(pImage))
+            return new CompressedImage(source);
+    } else if (payloadType == PayloadType::kCompressedImageWithChunks) {
+        if (auto* source = dynamic_cast<CompressedImageExtendedChunk*>(pImage))
+            return new CompressedImageExtendedChunk(source);
+    }
+    Fail<GenICam::InvalidArgumentException>("Unknown payload type", "CopyCompressedImage");
+}
+
+void ImageFactory::Destroy(IImage* pImage) {
+    Buffer* buffer = CheckDestroyable(
+        pImage, dynamic_cast<Buffer*>(pImage), "Destroy",
+        "Failure destroying image because image not from factory (probably due to image being "
+        "from device)");
+    switch (pImage->GetPayloadType()) {
+    case PayloadType::kImage:
+        if (!buffer->IsNotOwner())
+            delete[] buffer->GetDataBlock();
+        delete pImage;
+        return;
+    case PayloadType::kImageWithChunks:
+        delete[] buffer->GetDataBlock();
+        delete pImage;
+        return;
+    case PayloadType::kChunkOnly:
+        Fail<GenICam::InvalidArgumentException>("Chunk data destroy not implemented", "Destroy");
+    default:
+        Fail<GenICam::InvalidArgumentException>("Unknown payload type", "Destroy");
+    }
+}
+
+void ImageFactory::DestroyCompressedImage(ICompressedImage* pImage) {
+    Buffer* buffer = CheckDestroyable(
+        pImage, dynamic_cast<Buffer*>(pImage), "DestroyCompressedImage",
+        "Failure destroying compressed image because compressed image not from factory "
+        "(probably due to compressed image being from device)");
+    switch (pImage->GetPayloadType()) {
+    case PayloadType::kCompressedImage:
+    case PayloadType::kCompressedImageWithChunks:
+        delete[] buffer->GetDataBlock();
+        delete pImage;
+        return;
+    default:
+        Fail<GenICam::InvalidArgumentException>("Unknown payload type", "DestroyCompressedImage");
+    }
+}
+
+} // namespace Orvan

@@ -1,0 +1,142 @@
+// Image callbacks and their thread, and the device queries the disconnect poller and action
+// commands use.
+#include "Device.h"
+
+#include "core/ErrorTranslation.h"
+
+#include <GenApi/AccessModeHelpers.h>
+#include <GenApi/Pointer.h>
+
+#include <GenTL/GenTLExtensions.h>
+
+#include <algorithm>
+
+namespace Orvan {
+namespace {
+
+#define CALLBACK_SITE(function) ORVAN_SITE("Device", function)
+
+constexpr uint64_t kCallbackPollTimeoutMs = 50;
+
+} // namespace
+
+void Device::RegisterImageCallback(IImageCallback* callback) {
+    if (!callback)
+        ThrowLibraryError<GenICam::InvalidArgumentException>(
+            "Null image callback pointer specified", CALLBACK_SITE("RegisterImageCallback"));
+    // The device mutex keeps a stop from slipping between the grabbing check and the thread
+    // start.
+    std::lock_guard<std::mutex> deviceLock(m_deviceMutex);
+    std::lock_guard<std::mutex> lock(m_callbackMutex);
+    if (std::find(m_imageCallbacks.begin(), m_imageCallbacks.end(), callback) !=
+        m_imageCallbacks.end())
+        ThrowGenTLError(GenTL::GC_ERR_INVALID_PARAMETER, "Callback already registered",
+                        CALLBACK_SITE("RegisterImageCallback"), "DeviceRegisterImageCallback");
+    m_imageCallbacks.push_back(callback);
+    const uint32_t selected = m_selectedStream;
+    if (selected >= m_streams.size() || m_callbackThread.joinable())
+        return;
+    GenApi::INodeMap* streamNodeMap = m_streams[selected]->GetNodeMap();
+    GenApi::CBooleanPtr grabbing =
+        streamNodeMap ? streamNodeMap->GetNode("StreamIsGrabbing") : nullptr;
+    if (GenApi::IsReadable(grabbing) && grabbing->GetValue()) {
+        m_callbackRun = true;
+        m_callbackThread = std::thread(&Device::ImageCallbackThread, this);
+    }
+}
+
+void Device::DeregisterImageCallback(IImageCallback* callback) {
+    if (!callback)
+        ThrowLibraryError<GenICam::InvalidArgumentException>(
+            "Null image callback pointer specified", CALLBACK_SITE("DeregisterImageCallback"));
+    {
+        std::lock_guard<std::mutex> lock(m_callbackMutex);
+        m_imageCallbacks.erase(
+            std::remove(m_imageCallbacks.begin(), m_imageCallbacks.end(), callback),
+            m_imageCallbacks.end());
+        if (!m_imageCallbacks.empty())
+            return;
+    }
+    StopCallbackThread();
+}
+
+void Device::DeregisterAllImageCallbacks() {
+    {
+        std::lock_guard<std::mutex> lock(m_callbackMutex);
+        m_imageCallbacks.clear();
+    }
+    StopCallbackThread();
+}
+
+// Callers hold the device mutex.
+void Device::StartCallbackThreadIfNeeded() {
+    std::lock_guard<std::mutex> lock(m_callbackMutex);
+    if (m_imageCallbacks.empty() || m_callbackThread.joinable())
+        return;
+    m_callbackRun = true;
+    m_callbackThread = std::thread(&Device::ImageCallbackThread, this);
+}
+
+// The thread takes the callback mutex for every image, so it is joined outside that mutex.
+void Device::StopCallbackThread() {
+    std::thread thread;
+    {
+        std::lock_guard<std::mutex> lock(m_callbackMutex);
+        m_callbackRun = false;
+        thread = std::move(m_callbackThread);
+    }
+    if (thread.joinable())
+        thread.join();
+}
+
+void Device::ImageCallbackThread() {
+    while (m_callbackRun) {
+        IBuffer* buffer = nullptr;
+        try {
+            buffer = GetBuffer(kCallbackPollTimeoutMs);
+        } catch (const GenICam::GenericException&) {
+            continue;
+        }
+        IImage* image = buffer->AsImage();
+        std::lock_guard<std::mutex> lock(m_callbackMutex);
+        try {
+            if (image)
+                for (IImageCallback* callback : m_imageCallbacks)
+                    callback->OnImage(image);
+        } catch (...) {
+            // A failing callback costs the later callbacks this image, never the buffer.
+        }
+        try {
+            RequeueBuffer(buffer);
+        } catch (const GenICam::GenericException&) {
+        }
+    }
+}
+
+bool Device::IsConnected() {
+    if (!m_tlDevice)
+        ThrowLibraryError<GenICam::InvalidArgumentException>("Device is null",
+                                                             CALLBACK_SITE("IsConnected"));
+    GenTL::bool8_t connected = 0;
+    GenTL::INFO_DATATYPE type = GenTL::INFO_DATATYPE_BOOL8;
+    size_t size = sizeof(connected);
+    int32_t status =
+        m_tlDevice->GetInfo(GenTL::DEVICE_INFO_ORVAN_CONNECTED, &type, &connected, &size);
+    if (status != GenTL::GC_ERR_SUCCESS)
+        ThrowGenTLError(status, "Unable to get info about device connection status",
+                        CALLBACK_SITE("IsConnected"), "DeviceGetInfo");
+    return connected != 0;
+}
+
+void Device::SendActionCommand(uint32_t deviceKey, uint32_t groupKey, uint32_t groupMask,
+                               uint64_t actionTime) {
+    if (!m_tlDevice)
+        ThrowLibraryError<GenICam::InvalidArgumentException>("Device is null",
+                                                             CALLBACK_SITE("SendActionCommand"));
+    int32_t status = m_tlDevice->SendActionCommand(deviceKey, groupKey, groupMask, actionTime);
+    if (status != GenTL::GC_ERR_SUCCESS)
+        ThrowGenTLError(status, "Failed to issue action command",
+                        CALLBACK_SITE("SendActionCommand"), "DeviceSendActionCommand");
+}
+
+} // namespace Orvan
