@@ -99,7 +99,9 @@ void IntRegNode::WriteRaw(int64_t value, bool) {
         unsigned shift = FieldShift(size);
         unsigned width = FieldWidth(size);
         uint64_t mask = (width >= 64 ? ~uint64_t{0} : (uint64_t{1} << width) - 1) << shift;
-        uint64_t old = Assemble(m_register.Read(false));
+        // Other fields may share this register through nodes with caches of their own, so only
+        // the device holds the bits to keep.
+        uint64_t old = Assemble(m_register.Read(true));
         raw = (old & ~mask) | ((raw << shift) & mask);
     }
     std::vector<uint8_t> bytes = Disassemble(raw, size);

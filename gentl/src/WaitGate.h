@@ -23,6 +23,9 @@ public:
     template <typename Ready>
     Result Wait(std::unique_lock<std::mutex>& lock, std::condition_variable& wake,
                 uint64_t timeoutMs, Ready ready) {
+        // Taken before the lock is first released: an abort while this wait yields below is
+        // meant for it too.
+        const uint64_t generation = m_generation;
         if (ready())
             return Result::Ready;
         // Data is often a few microseconds away while frames flow; yielding a little first is
@@ -31,10 +34,11 @@ public:
             lock.unlock();
             std::this_thread::yield();
             lock.lock();
+            if (m_generation != generation)
+                return Result::Aborted;
             if (ready())
                 return Result::Ready;
         }
-        const uint64_t generation = m_generation;
         const bool forever = timeoutMs == GENTL_INFINITE;
         const auto deadline =
             std::chrono::steady_clock::now() +

@@ -68,6 +68,24 @@ INSTANTIATE_TEST_SUITE_P(
                       BitFieldCase{"BigEndian", 0, 0, "Unsigned", 0x80000000, 1},
                       BitFieldCase{"BigEndian", 28, 31, "Signed", 0x0000000E, -2}));
 
+TEST(NodeKinds, BitFieldsSharingARegisterKeepEachOthersBits) {
+    auto field = [](const char* name, int bit) {
+        return std::string("<MaskedIntReg Name=\"") + name +
+               "\"><Address>0</Address><Length>4</Length><AccessMode>RW</AccessMode>"
+               "<pPort>Device</pPort><Bit>" +
+               std::to_string(bit) + "</Bit></MaskedIntReg>";
+    };
+    LoadedMap map(field("Low", 0) + field("High", 1));
+    map.port.Set32(0, 0);
+    CIntegerPtr low = map.Node("Low");
+    CIntegerPtr high = map.Node("High");
+    EXPECT_EQ(low->GetValue(), 0); // both fields now hold a cached copy of the register
+    EXPECT_EQ(high->GetValue(), 0);
+    low->SetValue(1);
+    high->SetValue(1);
+    EXPECT_EQ(map.port.bytes[0], 3);
+}
+
 TEST(NodeKinds, FloatRegistersHoldIeeeNumbersInTheirByteOrder) {
     LoadedMap map(R"(<FloatReg Name="Gain"><Address>0</Address><Length>4</Length>
         <AccessMode>RW</AccessMode><pPort>Device</pPort><Endianess>BigEndian</Endianess>
@@ -149,6 +167,29 @@ TEST(NodeKinds, BooleansEnumerationsCommandsStringsAndRegisters) {
     CCategoryPtr(map.Node("Root"))->GetFeatures(features);
     ASSERT_EQ(features.size(), 2u);
     EXPECT_EQ(features[1]->GetNode()->GetName(), "Mode");
+}
+
+enum ModeEnums { Mode_Off, Mode_On, Mode_Turbo };
+
+// Turbo is declared by the application but missing from the description.
+TEST(NodeKinds, TypedEnumerationsTranslateEnumeratorsToEntries) {
+    LoadedMap map(IntReg("Reg", 0) + R"(<Enumeration Name="Mode"><pValue>Reg</pValue>
+        <EnumEntry Name="Off"><Value>3</Value></EnumEntry>
+        <EnumEntry Name="On"><Value>5</Value></EnumEntry></Enumeration>)");
+    map.port.Set32(0, 5);
+    CEnumerationTRef<ModeEnums> mode;
+    mode.SetReference(map.Node("Mode"));
+    mode.SetNumEnums(3);
+    mode.SetEnumReference(Mode_Off, "Off");
+    mode.SetEnumReference(Mode_On, "On");
+    mode.SetEnumReference(Mode_Turbo, "Turbo");
+    CEnumerationTPtr<ModeEnums> typed(&mode);
+    EXPECT_EQ(typed->GetValue(), Mode_On);
+    *typed = Mode_Off;
+    EXPECT_EQ(map.port.bytes[0], 3);
+    EXPECT_EQ((*typed)(), Mode_Off);
+    EXPECT_EQ(typed->GetEntry(Mode_On)->GetValue(), 5);
+    EXPECT_THROW(typed->SetValue(Mode_Turbo), GenICam::AccessException);
 }
 
 TEST(NodeKinds, IndexedValuesFollowTheirIndex) {

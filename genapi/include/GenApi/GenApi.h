@@ -9,6 +9,7 @@
 #include <GenApi/ChunkAdapterU3V.h>
 #include <GenApi/Container.h>
 #include <GenApi/EnumClasses.h>
+#include <GenApi/EnumerationTRef.h>
 #include <GenApi/EventAdapter.h>
 #include <GenApi/EventAdapterGEV.h>
 #include <GenApi/EventAdapterGeneric.h>
@@ -20,6 +21,7 @@
 #include <GenApi/IDestroy.h>
 #include <GenApi/IEnumEntry.h>
 #include <GenApi/IEnumeration.h>
+#include <GenApi/IEnumerationT.h>
 #include <GenApi/IFloat.h>
 #include <GenApi/IInteger.h>
 #include <GenApi/INode.h>

@@ -133,6 +133,7 @@ void DeclareAcquisition(DescriptionBuilder& b) {
     b.Integer(cat, "ExposureAutoActive", 0).Ro().Custom().Invisible();
     b.Enumeration(cat, "TriggerSelector", 0)
         .Entry("FrameStart", 0)
+        .Streamable()
         .Selects("TriggerMode")
         .Selects("TriggerSource")
         .Selects("TriggerActivation")
@@ -198,10 +199,11 @@ void DeclareChunks(const CameraModel& model, DescriptionBuilder& b) {
     b.Category(cat);
     b.Block(Layout::kChunks);
     b.Boolean(cat, "ChunkModeActive", false).LockedBy(kLocked).Persist().Expert();
-    Feature& selector = b.Enumeration(cat, "ChunkSelector", 0).Selects("ChunkEnable").Expert();
+    Feature& selector =
+        b.Enumeration(cat, "ChunkSelector", 0).Selects("ChunkEnable").Streamable().Expert();
     for (int64_t c = 0; c < int64_t(Chunk::Count); ++c)
         selector.Entry(ChunkInfoOf(Chunk(c)).name, c);
-    b.Boolean(cat, "ChunkEnable", true).LockedBy(kLocked).Expert();
+    b.Boolean(cat, "ChunkEnable", true).LockedBy(kLocked).Streamable().Expert();
     b.Integer(cat, "ChunkEnableMask", (int64_t(1) << int64_t(Chunk::Count)) - 1)
         .Ro()
         .Persist()

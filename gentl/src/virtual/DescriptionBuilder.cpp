@@ -271,8 +271,9 @@ std::string DescriptionBuilder::NodeXml(const Feature& f) const {
         xml += Element("EventID", f.eventId);
     if (!f.lockedBy.empty())
         xml += Element("pIsLocked", f.lockedBy);
+    const std::string streamable = f.streamable ? Element("Streamable", "Yes") : std::string();
     if (f.kind == FeatureKind::String) {
-        xml += Element("Address", "0x" + Hex(f.address)) +
+        xml += streamable + Element("Address", "0x" + Hex(f.address)) +
                Element("Length", std::to_string(f.length)) +
                Element("AccessMode", AccessText(f.access)) + Element("pPort", f.port) +
                Element("Cachable", "NoCache");
@@ -280,6 +281,7 @@ std::string DescriptionBuilder::NodeXml(const Feature& f) const {
     }
     if (f.access == RegisterAccess::RO && f.kind != FeatureKind::Constant)
         xml += Element("ImposedAccessMode", "RO");
+    xml += streamable;
     for (const auto& [entry, value] : f.entries)
         xml += "<EnumEntry Name=\"" + entry + "\" NameSpace=\"Standard\">" +
                Element("Value", std::to_string(value)) + "</EnumEntry>";

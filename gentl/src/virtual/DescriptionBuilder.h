@@ -42,7 +42,8 @@ struct Feature {
     uint32_t length = 8; // register bytes (strings: capacity)
     RegisterLimit min, max, inc;
     std::string lockedBy;
-    bool persistent = false;
+    bool persistent = false; // kept in user sets
+    bool streamable = false; // saved in feature files (GenApi persistence files)
     bool standard = true;
     std::string visibility = "Beginner";
     std::string unit;
@@ -58,7 +59,11 @@ struct Feature {
     Feature& Wo() { return access = RegisterAccess::WO, *this; }
     Feature& Bytes(uint32_t count) { return length = count, *this; }
     Feature& Tip(const std::string& text) { return toolTip = text, *this; }
-    Feature& Persist() { return persistent = true, *this; }
+    // What a user set keeps, a feature file keeps too.
+    Feature& Persist() { return persistent = streamable = true, *this; }
+    // Saved in feature files without being part of the user sets: selectors and the values
+    // they select.
+    Feature& Streamable() { return streamable = true, *this; }
     Feature& LockedBy(const std::string& node) { return lockedBy = node, *this; }
     Feature& Range(double lo, double hi) {
         min = RegisterLimit::Const(lo), max = RegisterLimit::Const(hi);

@@ -7,6 +7,7 @@
 #include <Orvan/CalculateMaximumNumberOfBuffers.h>
 #include <Orvan/Crc32.h>
 #include <Orvan/DeviceInfo.h>
+#include <Orvan/FeatureStream.h>
 #include <Orvan/GenApiCustom.h>
 #include <Orvan/IBuffer.h>
 #include <Orvan/IChunkData.h>
