@@ -4,6 +4,7 @@
 
 #include "core/ErrorTranslation.h"
 
+#include <GenApi/GenApi.h>
 #include <GenTL/GenTLExtensions.h>
 
 #include <string>
@@ -16,9 +17,29 @@ namespace {
 // The producer's limit for one vendor stream event.
 constexpr size_t kTriggerEventBufferSize = 64 * 1024;
 
+// The stream hands out event data in the format its node map names; it must be the one the
+// camera sends, or the application would decode the data wrongly. Cameras and producers without
+// these features are left as they are.
+void MatchOutputFormat(GenApi::INodeMap* deviceNodeMap, GenApi::INodeMap* streamNodeMap) {
+    if (!deviceNodeMap || !streamNodeMap)
+        return;
+    GenApi::CEnumerationPtr cameraFormat = deviceNodeMap->GetNode("EventFormat");
+    GenApi::CEnumerationPtr outputFormat = streamNodeMap->GetNode("StreamEvsOutputFormat");
+    if (!cameraFormat || !outputFormat || !GenApi::IsReadable(cameraFormat) ||
+        !GenApi::IsWritable(outputFormat))
+        return;
+    GenICam::gcstring format = cameraFormat->ToString();
+    if (outputFormat->GetEntryByName(format))
+        outputFormat->FromString(format);
+}
+
 } // namespace
 
 void Device::StartStreamEVS(int stream, size_t numBuffers) {
+    {
+        std::lock_guard<std::mutex> lock(m_deviceMutex);
+        MatchOutputFormat(m_nodeMap, Stream(stream, "StartStreamEVS")->GetNodeMap());
+    }
     StartStream(stream, numBuffers);
     int32_t status = GenTL::GC_ERR_SUCCESS;
     std::string text;

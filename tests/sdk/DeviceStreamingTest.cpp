@@ -213,8 +213,13 @@ TEST_F(Streaming, EventSensorStreamDeliversTriggerEvents) {
     Orvan::SetNodeValue<GenICam::gcstring>(nodeMap, "TriggerMode", "On");
     EXPECT_EQ(Capture([&] { device->GetNextEvsTriggerEvent(10); }).className,
               "LogicalErrorException");
+    // The stream's output format follows the camera's event format at start.
+    GenApi::INodeMap* streamNodeMap = device->GetTLStreamNodeMap(3);
+    Orvan::SetNodeValue<GenICam::gcstring>(streamNodeMap, "StreamEvsOutputFormat", "EVT2_0");
     device->StartStream(8);
     EXPECT_EQ(Announced(device, 3), 8);
+    EXPECT_EQ(Orvan::GetNodeValue<GenICam::gcstring>(streamNodeMap, "StreamEvsOutputFormat"),
+              Orvan::GetNodeValue<GenICam::gcstring>(nodeMap, "EventFormat"));
     // A trigger that arrives before the camera's acquisition thread is armed is ignored, as on
     // a real camera, so trigger until one is answered.
     std::vector<uint8_t> trigger;
