@@ -1,15 +1,22 @@
 #include <GenApi/Persistence.h>
 
+#include "TextParsing.h"
+
 #include <Base/GCException.h>
 #include <GenApi/AccessModeHelpers.h>
 #include <GenApi/ICategory.h>
 #include <GenApi/IEnumeration.h>
+#include <GenApi/IFloat.h>
 #include <GenApi/IInteger.h>
 #include <GenApi/INode.h>
 #include <GenApi/ISelector.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <istream>
+#include <map>
 #include <ostream>
 #include <set>
 #include <sstream>
@@ -26,6 +33,61 @@ const char kVersion[] = "3.3.0";
 // An integer selector is walked value by value only up to this many values; a wider one is
 // stored with its current value alone.
 constexpr int64_t kMaxIntegerSelectorValues = 64;
+
+// The value in string form, as the bag keeps it. A float's display form (its notation and
+// precision) may round the value; the bag then keeps as many digits as it takes to read the
+// same value back, so that loading restores it exactly.
+gcstring PersistentText(IValue& value) {
+    gcstring text = value.ToString();
+    auto* real = dynamic_cast<IFloat*>(&value);
+    if (!real)
+        return text;
+    double exact = real->GetValue();
+    if (std::isnan(exact) || std::strtod(text.c_str(), nullptr) == exact)
+        return text;
+    char digits[64];
+    for (int precision = 7; precision <= 17; ++precision) {
+        std::snprintf(digits, sizeof digits, "%.*g", precision, exact);
+        if (std::strtod(digits, nullptr) == exact)
+            break;
+    }
+    return digits;
+}
+
+// Whether a value read back from a feature is the bag's value, also where the two are written
+// differently ("0x10" and "16", "true" and "1", "1e3" and "1000").
+bool SameValue(IValue* value, const gcstring& actual, const gcstring& expected) {
+    if (actual == expected)
+        return true;
+    switch (value->GetNode()->GetPrincipalInterfaceType()) {
+    case intfIFloat: {
+        char* actualEnd = nullptr;
+        char* expectedEnd = nullptr;
+        double a = std::strtod(actual.c_str(), &actualEnd);
+        double b = std::strtod(expected.c_str(), &expectedEnd);
+        return actualEnd != actual.c_str() && expectedEnd != expected.c_str() &&
+               (a == b || (std::isnan(a) && std::isnan(b)));
+    }
+    case intfIInteger: {
+        int64_t a = 0, b = 0;
+        return detail::TryParseInt64(actual.str(), a) && detail::TryParseInt64(expected.str(), b) &&
+               a == b;
+    }
+    case intfIBoolean: {
+        auto truth = [](const std::string& text) {
+            if (text == "1" || text == "true" || text == "True" || text == "TRUE")
+                return 1;
+            if (text == "0" || text == "false" || text == "False" || text == "FALSE")
+                return 0;
+            return -1;
+        };
+        int a = truth(actual.str());
+        return a >= 0 && a == truth(expected.str());
+    }
+    default:
+        return false;
+    }
+}
 
 bool Persistable(IValue* value) {
     INode* node = value->GetNode();
@@ -162,7 +224,7 @@ private:
 
     static bool TryRead(IValue* value, gcstring& text) {
         try {
-            text = value->ToString();
+            text = PersistentText(*value);
             return true;
         } catch (const GenICam::GenericException&) {
             return false;
@@ -199,79 +261,213 @@ private:
     std::set<INode*> m_walking;
 };
 
+// Loads a bag into a node map. The entries are written in bag order, in passes: a write may fail
+// because its feature is locked, unavailable or limited by features that come later in the bag,
+// and a value computed from other features (a converter's formula, a limit) may read differently
+// once those are written. So after each pass the entries are replayed (selectors set again,
+// every other entry read back), and whatever failed or reads back differently is written again
+// in the next pass, until everything holds, nothing changes any more, or the passes run out.
 class BagReader {
 public:
     BagReader(INodeMap* nodeMap, bool verify, gcstring_vector* errors)
         : m_map(nodeMap), m_verify(verify), m_errors(errors) {}
 
     bool Load(const gcstring_vector& names, const gcstring_vector& values) {
-        std::vector<size_t> failed;
-        for (size_t previous = SIZE_MAX;;) {
-            failed = WritePass(names, values);
-            if (failed.empty() || failed.size() >= previous)
+        Prepare(names, values);
+        std::vector<std::vector<Outcome>> seen;
+        for (int pass = 0; pass < kMaxPasses; ++pass) {
+            WritePass(pass == 0);
+            CheckPass();
+            std::vector<Outcome> outcomes;
+            for (const Entry& entry : m_entries)
+                outcomes.push_back(entry.outcome);
+            bool done = std::all_of(m_entries.begin(), m_entries.end(), [](const Entry& entry) {
+                return !entry.node || entry.outcome == Outcome::Holds;
+            });
+            // A pass that ends where an earlier one ended will not get any further.
+            if (done || std::find(seen.begin(), seen.end(), outcomes) != seen.end())
                 break;
-            previous = failed.size();
+            seen.push_back(std::move(outcomes));
         }
-        if (m_verify)
-            VerifyPass(names, values, failed);
-        if (m_errors)
-            for (const std::string& failure : m_failures)
-                m_errors->push_back(failure.c_str());
-        return m_failures.empty();
+        return Report();
     }
 
 private:
-    // Returns the entries that failed; only the last pass's failures are reported.
-    std::vector<size_t> WritePass(const gcstring_vector& names, const gcstring_vector& values) {
-        std::vector<size_t> failed;
-        m_failures.clear();
-        for (size_t i = 0; i < names.size(); ++i) {
-            auto* value = dynamic_cast<IValue*>(m_map->GetNode(names[i]));
-            try {
-                if (!value)
-                    throw LOGICAL_ERROR_EXCEPTION("The node map has no such feature");
-                value->FromString(values[i], m_verify);
-            } catch (const GenICam::GenericException& e) {
-                Fail(names[i], e.GetDescription());
-                failed.push_back(i);
-            }
-        }
-        return failed;
-    }
+    // Enough for features that depend on each other in chains of a few links, written in the
+    // reverse order; descriptions whose writes undo each other stop earlier, as soon as a pass
+    // ends where an earlier one did.
+    static constexpr int kMaxPasses = 8;
 
-    // Selectors are set again as the bag lists them, so that every other feature is read under
-    // the selector values it was stored with. Entries that could not be written are not
-    // reported twice.
-    void VerifyPass(const gcstring_vector& names, const gcstring_vector& values,
-                    const std::vector<size_t>& failed) {
+    enum class Outcome {
+        Holds,   // written (or already held), and reads back the bag's value
+        Failed,  // the write was refused
+        Skipped, // not written: a selector of the feature could not be set
+        Differs, // written, but reads back another value
+    };
+
+    struct Entry {
+        gcstring name;
+        gcstring value;
+        IValue* node = nullptr;
+        bool selector = false;
+        // Selectors of this feature that the bag sets itself.
+        std::vector<INode*> selectors;
+        Outcome outcome = Outcome::Failed;
+        std::string problem;
+    };
+
+    void Prepare(const gcstring_vector& names, const gcstring_vector& values) {
+        std::set<INode*> setByBag;
+        m_finalValue.clear();
+        m_entries.resize(names.size());
         for (size_t i = 0; i < names.size(); ++i) {
-            if (std::find(failed.begin(), failed.end(), i) != failed.end())
+            Entry& entry = m_entries[i];
+            entry.name = names[i];
+            entry.value = i < values.size() ? values[i] : gcstring();
+            entry.node = dynamic_cast<IValue*>(m_map->GetNode(names[i]));
+            if (!entry.node) {
+                entry.problem = "The node map has no such feature";
                 continue;
-            auto* value = dynamic_cast<IValue*>(m_map->GetNode(names[i]));
-            try {
-                auto* selector = dynamic_cast<ISelector*>(value);
-                if (selector && selector->IsSelector()) {
-                    value->FromString(values[i], true);
-                    continue;
-                }
-                gcstring actual = value->ToString(true);
-                if (actual != values[i])
-                    Fail(names[i],
-                         "reads back '" + actual.str() + "' instead of '" + values[i].str() + "'");
-            } catch (const GenICam::GenericException& e) {
-                Fail(names[i], e.GetDescription());
+            }
+            auto* selector = dynamic_cast<ISelector*>(entry.node);
+            entry.selector = selector && selector->IsSelector();
+            setByBag.insert(entry.node->GetNode());
+            if (entry.selector)
+                m_finalValue[entry.node->GetNode()] = entry.value;
+        }
+        for (Entry& entry : m_entries) {
+            auto* selected = dynamic_cast<ISelector*>(entry.node);
+            if (!selected)
+                continue;
+            FeatureList_t selecting;
+            selected->GetSelectingFeatures(selecting);
+            for (IValue* selector : selecting)
+                if (setByBag.count(selector->GetNode()))
+                    entry.selectors.push_back(selector->GetNode());
+        }
+    }
+
+    // The first pass writes every entry; later ones set the selectors again and write only the
+    // entries that do not hold yet.
+    void WritePass(bool first) {
+        m_selectorState.clear();
+        for (Entry& entry : m_entries) {
+            if (!entry.node)
+                continue;
+            if (!first && !entry.selector && entry.outcome == Outcome::Holds)
+                continue;
+            if (Blocked(entry))
+                continue;
+            Write(entry);
+            Record(entry);
+        }
+    }
+
+    void Write(Entry& entry) {
+        try {
+            entry.node->FromString(entry.value, m_verify);
+            entry.outcome = Outcome::Holds;
+        } catch (const GenICam::GenericException& e) {
+            // A refused write changes nothing where the feature holds the value already.
+            entry.outcome = Holds(entry) ? Outcome::Holds : Outcome::Failed;
+            entry.problem = e.GetDescription();
+        }
+    }
+
+    // Replays the bag: selectors are set again, so that every other entry is read under the
+    // selector values it was stored with.
+    void CheckPass() {
+        m_selectorState.clear();
+        for (Entry& entry : m_entries) {
+            if (!entry.node)
+                continue;
+            if (entry.selector) {
+                if (!Blocked(entry))
+                    Write(entry);
+                Record(entry);
+                continue;
+            }
+            if (entry.outcome != Outcome::Holds && entry.outcome != Outcome::Differs)
+                continue;
+            if (Blocked(entry))
+                continue;
+            gcstring actual;
+            if (!Read(entry.node, actual))
+                continue; // write-only: nothing to compare
+            if (SameValue(entry.node, actual, entry.value)) {
+                entry.outcome = Outcome::Holds;
+            } else {
+                entry.outcome = Outcome::Differs;
+                entry.problem =
+                    "reads back '" + actual.str() + "' instead of '" + entry.value.str() + "'";
             }
         }
     }
 
-    void Fail(const gcstring& name, const std::string& problem) {
-        m_failures.push_back("Feature '" + name.str() + "': " + problem);
+    // A feature whose selector could not be set would be written to (or read from) the
+    // instance of another selector value: it is left alone and reported. A selector that is not
+    // available at all offers no choice; its features have the one instance, which takes the
+    // values stored under the selector value the bag ends with.
+    bool Blocked(Entry& entry) {
+        for (INode* selector : entry.selectors) {
+            auto state = m_selectorState.find(selector);
+            if (state == m_selectorState.end() || state->second.first)
+                continue;
+            if (state->second.second == m_finalValue[selector] && !IsAvailable(selector))
+                continue;
+            entry.outcome = Outcome::Skipped;
+            entry.problem = "not written, since its selector '" + selector->GetName().str() +
+                            "' could not be set to '" + state->second.second.str() + "'";
+            return true;
+        }
+        return false;
+    }
+
+    void Record(const Entry& entry) {
+        if (entry.selector)
+            m_selectorState[entry.node->GetNode()] = {entry.outcome == Outcome::Holds, entry.value};
+    }
+
+    bool Holds(const Entry& entry) {
+        gcstring actual;
+        return Read(entry.node, actual) && SameValue(entry.node, actual, entry.value);
+    }
+
+    static bool Read(IValue* value, gcstring& text) {
+        try {
+            if (!IsReadable(value->GetNode()))
+                return false;
+            text = PersistentText(*value);
+            return true;
+        } catch (const GenICam::GenericException&) {
+            return false;
+        }
+    }
+
+    bool Report() {
+        std::vector<std::string> failures;
+        for (const Entry& entry : m_entries) {
+            if (entry.node && entry.outcome == Outcome::Holds)
+                continue;
+            // Without verification nothing is read back to compare, so nothing is reported.
+            if (entry.outcome == Outcome::Differs && !m_verify)
+                continue;
+            failures.push_back("Feature '" + entry.name.str() + "': " + entry.problem);
+        }
+        if (m_errors)
+            for (const std::string& failure : failures)
+                m_errors->push_back(failure.c_str());
+        return failures.empty();
     }
 
     INodeMap* m_map;
     bool m_verify;
     gcstring_vector* m_errors;
-    std::vector<std::string> m_failures;
+    std::vector<Entry> m_entries;
+    // Per selector the bag sets: whether its latest entry in this pass was set, and to what.
+    std::map<INode*, std::pair<bool, gcstring>> m_selectorState;
+    // Per selector the bag sets: the value of its last entry, which it is left at.
+    std::map<INode*, gcstring> m_finalValue;
 };
 
 void StripCarriageReturn(std::string& line) {
@@ -282,7 +478,7 @@ void StripCarriageReturn(std::string& line) {
 } // namespace
 
 void CFeatureBag::PersistFeature(IValue& item) {
-    gcstring text = item.ToString();
+    gcstring text = PersistentText(item);
     m_Names.push_back(item.GetNode()->GetName());
     m_Values.push_back(text);
 }

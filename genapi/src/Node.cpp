@@ -92,9 +92,13 @@ void Node::Link(const NodeDescription& description) {
         else if (name == "pCastAlias")
             m_castAlias = Resolve(property);
         else if (name == "pSelected") {
+            // A feature reads the instance its selectors choose: a new selector value makes its
+            // cached value stale even where no address depends on the selector (the device
+            // switches the instance behind one register).
             Node* selected = Resolve(property);
             AddUnique(m_selected, selected);
             selected->AddSelecting(this);
+            AddDependent(selected);
         } else if (name == "pInvalidator") {
             Node* invalidator = Resolve(property);
             AddUnique(m_invalidators, invalidator);

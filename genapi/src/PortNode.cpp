@@ -40,5 +40,11 @@ void PortNode::Write(const void* buffer, int64_t address, int64_t length) {
     m_port->Write(buffer, address, length);
 }
 
+void PortNode::Written(int64_t address, int64_t length, const RegisterAccess* by) {
+    for (RegisterAccess* reg : m_registers)
+        if (reg != by)
+            reg->Overwritten(address, length);
+}
+
 } // namespace detail
 } // namespace GenApi

@@ -3,9 +3,12 @@
 #ifndef ORVAN_GENAPI_PORTNODE_H
 #define ORVAN_GENAPI_PORTNODE_H
 
+#include "RegisterAccess.h"
 #include "ValueNode.h"
 
 #include <GenApi/IPort.h>
+
+#include <vector>
 
 namespace GenApi {
 namespace detail {
@@ -24,11 +27,17 @@ public:
 
     const std::string& ChunkId() const { return m_chunkId; }
 
+    // The registers reached through this port, so that a write through one of them makes the
+    // cached copies of the others that share its bytes stale.
+    void AddRegister(RegisterAccess* reg) { m_registers.push_back(reg); }
+    void Written(int64_t address, int64_t length, const RegisterAccess* by);
+
 protected:
     EAccessMode InternalAccessMode() const override;
 
 private:
     IPort* m_port = nullptr;
+    std::vector<RegisterAccess*> m_registers;
     std::string m_chunkId;
     bool m_swapEndianess = false;
 };

@@ -58,6 +58,7 @@ void RegisterAccess::Link(Node& owner, const NodeDescription& description) {
                                         "not a port",
                                         owner.Name().c_str(), property.line, property.text.c_str());
             owner.AddReadingChild(port);
+            m_port->AddRegister(this);
         } else if (name == "AccessMode")
             m_accessMode = ParseAccessMode(property);
         else if (name == "Endianess")
@@ -119,6 +120,7 @@ const std::vector<uint8_t>& RegisterAccess::Read(bool ignoreCache) {
     std::vector<uint8_t> bytes(static_cast<size_t>(length));
     m_port->Read(bytes.data(), address, length);
     m_cache.swap(bytes);
+    m_cacheAddress = address;
     m_cacheValid = m_owner->GetCachingMode() != NoCache;
     return m_cache;
 }
@@ -126,13 +128,31 @@ const std::vector<uint8_t>& RegisterAccess::Read(bool ignoreCache) {
 void RegisterAccess::Write(const uint8_t* data, int64_t length) {
     if (!m_port)
         throw ACCESS_EXCEPTION("Node '%s' has no port", m_owner->Name().c_str());
-    m_port->Write(data, Address(), length);
+    int64_t address = Address();
+    m_port->Write(data, address, length);
     if (m_owner->GetCachingMode() == WriteThrough) {
         m_cache.assign(data, data + length);
+        m_cacheAddress = address;
         m_cacheValid = true;
     } else {
         m_cacheValid = false;
     }
+    m_port->Written(address, length, this);
+}
+
+void RegisterAccess::Overwritten(int64_t address, int64_t length) {
+    if (!m_cacheValid || m_cache.empty() || length <= 0)
+        return;
+    // Compared as unsigned offsets, so that ranges near the ends of the address space wrap
+    // instead of overflowing.
+    uint64_t cacheStart = static_cast<uint64_t>(m_cacheAddress);
+    uint64_t writeStart = static_cast<uint64_t>(address);
+    bool overlaps = writeStart - cacheStart < m_cache.size() ||
+                    cacheStart - writeStart < static_cast<uint64_t>(length);
+    if (!overlaps)
+        return;
+    m_cacheValid = false;
+    m_owner->Changed();
 }
 
 } // namespace detail

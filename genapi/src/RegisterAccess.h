@@ -30,6 +30,9 @@ public:
     void Write(const uint8_t* data, int64_t length);
     void DropCache() { m_cacheValid = false; }
     bool CacheValid() const { return m_cacheValid; }
+    // Another register wrote [address, address + length) on the same port: a cached copy of
+    // any of those bytes is stale, and so is everything computed from it.
+    void Overwritten(int64_t address, int64_t length);
 
 private:
     struct IndexTerm {
@@ -48,6 +51,8 @@ private:
     EAccessMode m_accessMode = RO;
     EEndianess m_endianess = LittleEndian;
     std::vector<uint8_t> m_cache;
+    // Where the cached bytes were read from: the address may depend on other nodes.
+    int64_t m_cacheAddress = 0;
     bool m_cacheValid = false;
 };
 
