@@ -3,6 +3,8 @@
 #include "GenTLError.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <sstream>
 
 namespace Orvan {
 namespace Producer {
@@ -10,6 +12,22 @@ namespace Producer {
 namespace {
 
 const std::vector<std::string> kDefaultModels = {"Mono"};
+
+// A standalone program (the command-line tool, its tests) has no test-control caller, so it picks
+// its cameras with ORVAN_VIRTUAL_CAMERAS="Mono,Color,...". Unknown names are dropped; when none
+// is left the default stays.
+std::vector<std::string> ModelsFromEnvironment() {
+    const char* text = std::getenv("ORVAN_VIRTUAL_CAMERAS");
+    if (!text)
+        return kDefaultModels;
+    const std::vector<std::string> known = VirtualCameraModels();
+    std::vector<std::string> models;
+    std::istringstream list(text);
+    for (std::string name; std::getline(list, name, ',');)
+        if (std::find(known.begin(), known.end(), name) != known.end())
+            models.push_back(name);
+    return models.empty() ? kDefaultModels : models;
+}
 
 std::unique_ptr<RemoteDevice> MakeVirtualCamera(const std::string& model, uint32_t index) {
     return CreateVirtualCamera(model, index);
@@ -42,7 +60,7 @@ void CameraCatalog::SetMaker(Maker maker) {
 
 void CameraCatalog::Reset() {
     std::lock_guard<std::mutex> lock(m_mutex);
-    m_models = kDefaultModels;
+    m_models = ModelsFromEnvironment();
     m_interfaceCount = 1;
     m_maker = MakeVirtualCamera;
     m_customMaker = false;

@@ -7,6 +7,9 @@
 
 #include <GenTL/GenTLExtensions.h>
 
+#include <algorithm>
+#include <cmath>
+
 namespace Orvan {
 namespace Producer {
 
@@ -25,6 +28,25 @@ PortIdentity StreamPortIdentity(const std::string& id) {
     identity.portName = "StreamPort";
     identity.version = "1.0";
     return identity;
+}
+
+// DSSetupResendRetryParams names a window of frames at a frame rate: the time the camera keeps
+// a frame's packets for resending. A network stream keeps an unfinished frame open that long
+// and spreads its retries over it, but never waits less than its defaults, which already suit
+// fast cameras on a busy host; so only slow cameras (a window longer than the default frame
+// timeout) change anything. Without a window or a usable rate the defaults stay. Width and
+// height are only shown in the node map: without the link's speed they say nothing about time.
+ResendSettings ResendSettingsFor(const DataStream::ResendParameters& parameters) {
+    ResendSettings settings;
+    if (parameters.frameCount == 0 || !(parameters.frameRate > 0) ||
+        !std::isfinite(parameters.frameRate))
+        return settings;
+    const double windowUs = double(parameters.frameCount) / parameters.frameRate * 1e6;
+    const double frameTimeoutUs = std::clamp(windowUs, double(settings.frameTimeoutUs), 10e6);
+    settings.frameTimeoutUs = static_cast<uint32_t>(frameTimeoutUs);
+    settings.retryTimeoutUs = std::clamp<uint32_t>(
+        settings.frameTimeoutUs / (settings.maxRetries + 1), settings.retryTimeoutUs, 1000000);
+    return settings;
 }
 
 } // namespace
@@ -80,6 +102,18 @@ void DataStream::Describe() {
                         [pool] { return static_cast<int64_t>(pool->GetCounters().lost); });
     description.Integer("StreamIncompleteFrameCount",
                         [pool] { return static_cast<int64_t>(pool->GetCounters().incomplete); });
+    // The packet transport's own counters; zero on streams that have none.
+    auto packets = [this](uint64_t StreamStatistics::*counter) {
+        return [this, counter] {
+            StreamStatistics statistics;
+            m_camera->GetStreamStatistics(m_index, statistics);
+            return static_cast<int64_t>(statistics.*counter);
+        };
+    };
+    description.Integer("StreamReceivedPacketCount", packets(&StreamStatistics::packetsReceived));
+    description.Integer("StreamResentPacketCount", packets(&StreamStatistics::packetsRecovered));
+    description.Integer("StreamLostPacketCount", packets(&StreamStatistics::packetsLost));
+    description.Integer("StreamResendRequestCount", packets(&StreamStatistics::resendRequests));
     description.Category("StreamMultipart");
     description
         .Integer(
@@ -219,8 +253,11 @@ InfoValue DataStream::Info(GenTL::STREAM_INFO_CMD cmd) const {
 }
 
 void DataStream::SetResendParameters(const ResendParameters& parameters) {
-    std::lock_guard<std::mutex> lock(m_settingsMutex);
-    m_resend = parameters;
+    {
+        std::lock_guard<std::mutex> lock(m_settingsMutex);
+        m_resend = parameters;
+    }
+    m_camera->ConfigureResend(m_index, ResendSettingsFor(parameters));
 }
 
 DataStream::ResendParameters DataStream::GetResendParameters() const {

@@ -4,6 +4,7 @@
 #include "DeviceInfoQuery.h"
 #include "GenTLError.h"
 #include "Interface.h"
+#include "LastError.h"
 #include "MessageEvent.h"
 #include "RemotePort.h"
 
@@ -34,7 +35,20 @@ PortIdentity DevicePortIdentity(const DeviceIdentity& camera) {
 std::shared_ptr<Device> Device::Create(const std::shared_ptr<Interface>& parent,
                                        std::shared_ptr<RemoteDevice> camera,
                                        GenTL::DEVICE_ACCESS_FLAGS flags) {
-    std::shared_ptr<Device> device(new Device(std::move(camera), flags));
+    GenTL::GC_ERROR status = camera->Open(flags);
+    if (status != GenTL::GC_ERR_SUCCESS) {
+        // The camera leaves its own explanation as the thread's last error.
+        std::string text = LastErrorCode() == status ? LastErrorText() : std::string();
+        throw GenTLError(status, "Device '" + camera->Identity().id + "' did not open" +
+                                     (text.empty() ? std::string() : ": " + text));
+    }
+    std::shared_ptr<Device> device;
+    try {
+        device.reset(new Device(camera, flags));
+    } catch (...) {
+        camera->Close();
+        throw;
+    }
     device->m_parent = parent;
     device->m_parentHandle = parent->Handle();
     device->m_handle = HandleRegistry::Instance().Add(device, HandleKind::Device);
@@ -120,14 +134,19 @@ void Device::Describe() {
 
 void Device::Close() {
     std::map<uint32_t, std::shared_ptr<DataStream>> streams;
+    bool wasClosed = false;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
+        wasClosed = m_closed;
         m_closed = true; // no stream opens from here on
         streams = m_streams;
     }
     for (auto& entry : streams)
         entry.second->Close();
     UnregisterAllEvents();
+    // Streams are down and events unhooked: the camera may now give its control back.
+    if (!wasClosed)
+        m_camera->Close();
     HandleRegistry::Instance().Remove(m_remoteHandle);
     HandleRegistry::Instance().Remove(m_handle);
     if (auto parent = m_parent.lock())

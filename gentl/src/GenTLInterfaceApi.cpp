@@ -41,10 +41,9 @@ GC_ERROR IFGetDeviceID(IF_HANDLE hInterface, uint32_t index, char* id, size_t* s
                    [&] { WriteText(GetInterface(hInterface)->DeviceId(index), id, size); });
 }
 
-GC_ERROR IFUpdateDeviceList(IF_HANDLE hInterface, bool8_t* changed, uint64_t) {
-    // Virtual cameras answer discovery at once, so the timeout is never reached.
+GC_ERROR IFUpdateDeviceList(IF_HANDLE hInterface, bool8_t* changed, uint64_t timeout) {
     return Guarded(EntryPoint::IFUpdateDeviceList, [&] {
-        bool result = GetInterface(hInterface)->UpdateDeviceList();
+        bool result = GetInterface(hInterface)->UpdateDeviceList(timeout);
         if (changed)
             *changed = result ? 1 : 0;
     });

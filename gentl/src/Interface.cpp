@@ -4,7 +4,6 @@
 #include "DeviceInfoQuery.h"
 #include "GenTLError.h"
 #include "System.h"
-#include "VirtualNetwork.h"
 
 #include <GenTL/GenTLExtensions.h>
 
@@ -15,11 +14,11 @@ namespace Producer {
 
 namespace {
 
-PortIdentity InterfacePortIdentity(const std::string& id) {
+PortIdentity InterfacePortIdentity(const InterfaceBackend& backend) {
     PortIdentity identity;
-    identity.id = id;
+    identity.id = backend.Id();
     identity.vendor = "Orvan";
-    identity.model = "Orvan virtual interface";
+    identity.model = backend.Model();
     identity.tlType = TLTypeGEVName;
     identity.module = TLInterfaceModuleName;
     identity.portName = "InterfacePort";
@@ -37,22 +36,23 @@ const std::vector<std::pair<std::string, int64_t>> kAccessStatusEntries = {
     {"OpenReadWrite", GenTL::DEVICE_ACCESS_STATUS_OPEN_READWRITE},
     {"OpenReadOnly", GenTL::DEVICE_ACCESS_STATUS_OPEN_READONLY}};
 
+// What IFUpdateDeviceList waits for answers when told to wait for ever.
+constexpr uint64_t kDefaultDiscoveryMs = 1000;
+
 } // namespace
 
 std::shared_ptr<Interface> Interface::Create(const std::shared_ptr<System>& system,
-                                             const std::string& id, const Address& address,
-                                             std::vector<std::shared_ptr<RemoteDevice>> cameras) {
-    std::shared_ptr<Interface> interface(new Interface(id, address, std::move(cameras)));
+                                             std::shared_ptr<InterfaceBackend> backend) {
+    std::shared_ptr<Interface> interface(new Interface(std::move(backend)));
     interface->m_system = system;
     interface->m_parentHandle = system->Handle();
     interface->m_handle = HandleRegistry::Instance().Add(interface, HandleKind::Interface);
     return interface;
 }
 
-Interface::Interface(const std::string& id, const Address& address,
-                     std::vector<std::shared_ptr<RemoteDevice>> cameras)
-    : m_id(id), m_address(address), m_cameras(std::move(cameras)),
-      m_port(InterfacePortIdentity(id)) {
+Interface::Interface(std::shared_ptr<InterfaceBackend> backend)
+    : m_backend(std::move(backend)), m_id(m_backend->Id()),
+      m_port(InterfacePortIdentity(*m_backend)) {
     Describe();
 }
 
@@ -70,17 +70,23 @@ void Interface::Describe() {
     ModuleDescription description("GenTLInterface", "InterfacePort");
     description.Category("InterfaceInformation");
     description.String("InterfaceID", [this] { return m_id; });
-    description.String("InterfaceDisplayName",
-                       [this] { return VirtualNetwork::InterfaceDisplayName(m_id); });
+    InterfaceBackend* backend = m_backend.get();
+    description.String("InterfaceDisplayName", [backend] { return backend->DisplayName(); });
     description.Enumeration("InterfaceType", {{"GigEVision", 1}}, [] { return 1; });
     description.Integer("GevInterfaceGatewaySelector", [] { return 0; }).Max([] { return 0; });
-    description.Integer("GevInterfaceGateway", [] { return 0; }).Ip();
-    description.Integer("GevInterfaceMACAddress", [this] { return m_address.mac; }).Mac();
+    description.Integer("GevInterfaceGateway", [backend] { return backend->Address().gateway; })
+        .Ip();
+    description
+        .Integer("GevInterfaceMACAddress",
+                 [backend] { return static_cast<int64_t>(backend->Address().mac); })
+        .Mac();
     description.Integer("GevInterfaceSubnetSelector", [] { return 0; }).Max([] { return 0; });
-    description.Integer("GevInterfaceSubnetIPAddress", [this] { return m_address.ip; }).Ip();
-    description.Integer("GevInterfaceSubnetMask", [this] { return m_address.subnet; }).Ip();
+    description.Integer("GevInterfaceSubnetIPAddress", [backend] { return backend->Address().ip; })
+        .Ip();
+    description.Integer("GevInterfaceSubnetMask", [backend] { return backend->Address().subnet; })
+        .Ip();
     description.Category("DeviceEnumeration");
-    description.Command("DeviceUpdateList", [this] { UpdateDeviceList(); });
+    description.Command("DeviceUpdateList", [this] { UpdateDeviceList(kDefaultDiscoveryMs); });
     description
         .Integer(
             "DeviceSelector", [this] { return static_cast<int64_t>(m_deviceSelector.load()); },
@@ -130,29 +136,29 @@ void Interface::Close() {
         system->Forget(this);
 }
 
-InfoValue Interface::Info(GenTL::INTERFACE_INFO_CMD cmd) const {
+InfoValue Interface::InfoOf(const InterfaceBackend& backend, GenTL::INTERFACE_INFO_CMD cmd) {
     switch (cmd) {
     case GenTL::INTERFACE_INFO_ID:
-        return InfoValue::String(m_id);
+        return InfoValue::String(backend.Id());
     case GenTL::INTERFACE_INFO_DISPLAYNAME:
-        return InfoValue::String(VirtualNetwork::InterfaceDisplayName(m_id));
+        return InfoValue::String(backend.DisplayName());
     case GenTL::INTERFACE_INFO_TLTYPE:
         return InfoValue::String(TLTypeGEVName);
     case GenTL::INTERFACE_INFO_ORVAN_GEV_MAC_ADDRESS:
-        return InfoValue::UInt64(m_address.mac);
+        return InfoValue::UInt64(backend.Address().mac);
     case GenTL::INTERFACE_INFO_ORVAN_GEV_IP_ADDRESS:
-        return InfoValue::UInt64(m_address.ip);
+        return InfoValue::UInt64(backend.Address().ip);
     default:
         throw GenTLError(GenTL::GC_ERR_INVALID_PARAMETER,
                          "Unknown interface info command " + std::to_string(cmd));
     }
 }
 
-bool Interface::UpdateDeviceList() {
-    std::vector<std::shared_ptr<RemoteDevice>> found;
-    for (const auto& camera : m_cameras)
-        if (camera->IsConnected())
-            found.push_back(camera);
+bool Interface::UpdateDeviceList(uint64_t timeoutMs) {
+    if (timeoutMs == GENTL_INFINITE)
+        timeoutMs = kDefaultDiscoveryMs;
+    std::vector<std::shared_ptr<RemoteDevice>> found =
+        m_backend->Discover(timeoutMs, UnicastDevices());
     std::lock_guard<std::mutex> lock(m_mutex);
     bool changed = found != m_discovered;
     m_discovered = std::move(found);
@@ -182,11 +188,17 @@ std::shared_ptr<RemoteDevice> Interface::Discovered(const std::string& deviceId)
 }
 
 int32_t Interface::AccessStatus(const std::string& deviceId) const {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    auto it = m_open.find(deviceId);
-    if (it == m_open.end())
-        return GenTL::DEVICE_ACCESS_STATUS_READWRITE;
-    return it->second->AccessStatus() == GenTL::DEVICE_ACCESS_STATUS_READWRITE
+    std::shared_ptr<Device> open;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        auto it = m_open.find(deviceId);
+        if (it != m_open.end())
+            open = it->second;
+    }
+    // Asking a network camera takes a round trip: not under the lock.
+    if (!open)
+        return m_backend->AccessStatus(*Discovered(deviceId));
+    return open->AccessStatus() == GenTL::DEVICE_ACCESS_STATUS_READWRITE
                ? GenTL::DEVICE_ACCESS_STATUS_OPEN_READWRITE
                : GenTL::DEVICE_ACCESS_STATUS_OPEN_READONLY;
 }
@@ -196,7 +208,11 @@ InfoValue Interface::DeviceInfo(const std::string& deviceId, GenTL::DEVICE_INFO_
     if (cmd == GenTL::DEVICE_INFO_ORVAN_CONNECTED)
         throw GenTLError(GenTL::GC_ERR_NOT_IMPLEMENTED,
                          "The connection state is a DevGetInfo query of an open device");
-    return QueryDeviceInfo(*camera, AccessStatus(deviceId), cmd);
+    // Only the access status may cost a round trip to the camera.
+    const int32_t status = cmd == GenTL::DEVICE_INFO_ACCESS_STATUS
+                               ? AccessStatus(deviceId)
+                               : GenTL::DEVICE_ACCESS_STATUS_UNKNOWN;
+    return QueryDeviceInfo(*camera, status, cmd);
 }
 
 GenTL::DEV_HANDLE Interface::OpenDevice(const std::string& deviceId,
@@ -205,16 +221,39 @@ GenTL::DEV_HANDLE Interface::OpenDevice(const std::string& deviceId,
         throw GenTLError(GenTL::GC_ERR_INVALID_PARAMETER,
                          "Unknown access flags " + std::to_string(flags));
     std::shared_ptr<RemoteDevice> camera = Discovered(deviceId);
-    std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_closed)
-        throw GenTLError(GenTL::GC_ERR_INVALID_HANDLE, "The interface is closed");
-    if (m_open.count(deviceId))
-        throw GenTLError(GenTL::GC_ERR_RESOURCE_IN_USE, "Device '" + deviceId + "' is open");
-    if (!camera->IsConnected())
-        throw GenTLError(GenTL::GC_ERR_IO, "Device '" + deviceId + "' does not answer");
-    auto device =
-        Device::Create(std::static_pointer_cast<Interface>(shared_from_this()), camera, flags);
-    m_open[deviceId] = device;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        if (m_closed)
+            throw GenTLError(GenTL::GC_ERR_INVALID_HANDLE, "The interface is closed");
+        if (m_open.count(deviceId) || m_opening.count(deviceId))
+            throw GenTLError(GenTL::GC_ERR_RESOURCE_IN_USE, "Device '" + deviceId + "' is open");
+        if (!camera->IsConnected())
+            throw GenTLError(GenTL::GC_ERR_IO, "Device '" + deviceId + "' does not answer");
+        m_opening.insert(deviceId);
+    }
+    // A network camera takes round trips to open, and may report its connection meanwhile
+    // (which takes the lock): the open happens outside it, the name reserved.
+    std::shared_ptr<Device> device;
+    try {
+        device =
+            Device::Create(std::static_pointer_cast<Interface>(shared_from_this()), camera, flags);
+    } catch (...) {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_opening.erase(deviceId);
+        throw;
+    }
+    bool closed = false;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_opening.erase(deviceId);
+        closed = m_closed;
+        if (!closed)
+            m_open[deviceId] = device;
+    }
+    if (closed) {
+        device->Close();
+        throw GenTLError(GenTL::GC_ERR_INVALID_HANDLE, "The interface closed during the open");
+    }
     return device->Handle();
 }
 
@@ -229,16 +268,7 @@ void Interface::Forget(const Device* closed) {
 }
 
 void Interface::ForceIp(uint64_t mac, uint32_t ip, uint32_t subnet, uint32_t gateway) {
-    for (const auto& camera : m_cameras) {
-        if (camera->Identity().mac == mac) {
-            GenTL::GC_ERROR status = camera->ForceIp(ip, subnet, gateway);
-            if (status != GenTL::GC_ERR_SUCCESS)
-                throw GenTLError(status, "The camera refused FORCEIP");
-            return;
-        }
-    }
-    throw GenTLError(GenTL::GC_ERR_INVALID_ID,
-                     "No camera with that MAC address answers on " + m_id);
+    m_backend->ForceIp(mac, ip, subnet, gateway, UnicastDevices());
 }
 
 void Interface::AddUnicastDevice(uint32_t ip) {

@@ -3,14 +3,15 @@
 #ifndef ORVAN_GENTL_INTERFACE_H
 #define ORVAN_GENTL_INTERFACE_H
 
+#include "InterfaceBackend.h"
 #include "LocalPort.h"
 #include "Module.h"
-#include "RemoteDevice.h"
 
 #include <atomic>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <vector>
 
 namespace Orvan {
@@ -21,15 +22,8 @@ class System;
 
 class Interface : public Module {
 public:
-    struct Address {
-        uint64_t mac;
-        uint32_t ip;
-        uint32_t subnet;
-    };
-
     static std::shared_ptr<Interface> Create(const std::shared_ptr<System>& system,
-                                             const std::string& id, const Address& address,
-                                             std::vector<std::shared_ptr<RemoteDevice>> cameras);
+                                             std::shared_ptr<InterfaceBackend> backend);
     ~Interface() override;
 
     GenTL::IF_HANDLE Handle() const { return m_handle; }
@@ -37,8 +31,11 @@ public:
     Port& GetPort() override { return m_port; }
     void Close();
 
-    InfoValue Info(GenTL::INTERFACE_INFO_CMD cmd) const;
-    bool UpdateDeviceList();
+    // INTERFACE_INFO_* of an interface, open or not (TLGetInterfaceInfo and IFGetInfo).
+    static InfoValue InfoOf(const InterfaceBackend& backend, GenTL::INTERFACE_INFO_CMD cmd);
+    InfoValue Info(GenTL::INTERFACE_INFO_CMD cmd) const { return InfoOf(*m_backend, cmd); }
+    // GENTL_INFINITE waits a default time: discovery cannot know when every camera answered.
+    bool UpdateDeviceList(uint64_t timeoutMs);
     uint32_t NumDevices() const;
     std::string DeviceId(uint32_t index) const;
     InfoValue DeviceInfo(const std::string& deviceId, GenTL::DEVICE_INFO_CMD cmd) const;
@@ -54,16 +51,14 @@ public:
     void NotifyConnection(const std::string& deviceId, bool connected);
 
 private:
-    Interface(const std::string& id, const Address& address,
-              std::vector<std::shared_ptr<RemoteDevice>> cameras);
+    explicit Interface(std::shared_ptr<InterfaceBackend> backend);
     void Describe();
     std::shared_ptr<RemoteDevice> Discovered(const std::string& deviceId) const;
     int32_t AccessStatus(const std::string& deviceId) const;
     std::shared_ptr<RemoteDevice> SelectedDevice() const;
 
+    const std::shared_ptr<InterfaceBackend> m_backend;
     const std::string m_id;
-    const Address m_address;
-    const std::vector<std::shared_ptr<RemoteDevice>> m_cameras;
     std::weak_ptr<System> m_system;
     GenTL::TL_HANDLE m_parentHandle = nullptr;
     GenTL::IF_HANDLE m_handle = nullptr;
@@ -72,6 +67,7 @@ private:
     mutable std::mutex m_mutex;
     std::vector<std::shared_ptr<RemoteDevice>> m_discovered;
     std::map<std::string, std::shared_ptr<Device>> m_open;
+    std::set<std::string> m_opening; // reserved while their camera opens
     std::vector<uint32_t> m_unicast;
     bool m_closed = false;
     std::atomic<uint32_t> m_deviceSelector{0};

@@ -4,9 +4,26 @@
 #include "GenTLError.h"
 #include "HandleRegistry.h"
 #include "System.h"
+#include "VirtualInterfaceBackend.h"
+#include "gige/GigeInterfaceBackend.h"
 
 namespace Orvan {
 namespace Producer {
+
+namespace {
+
+// The virtual interfaces come first, so that their indexes do not depend on the host's network.
+System::Backends MakeBackends() {
+    System::Backends backends;
+    auto cameras = CameraCatalog::Instance().MakeCameras();
+    for (uint32_t i = 0; i < cameras.size(); ++i)
+        backends.push_back(std::make_shared<VirtualInterfaceBackend>(i, std::move(cameras[i])));
+    for (auto& backend : GigeInterfaceBackend::ForHost())
+        backends.push_back(std::move(backend));
+    return backends;
+}
+
+} // namespace
 
 Library& Library::Instance() {
     static Library instance;
@@ -42,7 +59,7 @@ GenTL::TL_HANDLE Library::OpenSystem() {
     RequireInit();
     if (m_system)
         throw GenTLError(GenTL::GC_ERR_RESOURCE_IN_USE, "The system module is already open");
-    auto system = System::Create(CameraCatalog::Instance().MakeCameras());
+    auto system = System::Create(MakeBackends());
     m_systemHandle = system->Handle();
     m_system = std::move(system);
     return m_systemHandle;

@@ -6,6 +6,7 @@
 #include "FaultInjector.h"
 #include "Library.h"
 #include "System.h"
+#include "gige/GigeSettings.h"
 
 #include <exception>
 
@@ -42,6 +43,7 @@ int32_t OrvanTC_SetVirtualCameras(const char* const* models, uint32_t count,
         list.emplace_back(models[i]);
     }
     CameraCatalog::Instance().Configure(std::move(list), interfaceCount);
+    GigeSettings::Instance().SetEnabled(false);
     return ORVAN_TC_OK;
 }
 
@@ -70,9 +72,25 @@ int32_t OrvanTC_FailCall(const char* function, uint32_t nthCall, int32_t code, c
     return ORVAN_TC_OK;
 }
 
+int32_t OrvanTC_EnableGigE(int32_t enabled) {
+    GigeSettings::Instance().SetEnabled(enabled != 0);
+    return ORVAN_TC_OK;
+}
+
+int32_t OrvanTC_SetGigEDiscovery(const char* interfaces, uint32_t port) {
+    if (port > 65535)
+        return ORVAN_TC_BAD_ARGUMENT;
+    std::optional<std::string> names;
+    if (interfaces)
+        names = interfaces;
+    GigeSettings::Instance().Override(std::move(names), static_cast<uint16_t>(port));
+    return ORVAN_TC_OK;
+}
+
 int32_t OrvanTC_Reset(void) {
     FaultInjector::Instance().DisarmAll();
     CameraCatalog::Instance().Reset();
+    GigeSettings::Instance().ResetForTests();
     return ORVAN_TC_OK;
 }
 

@@ -64,6 +64,32 @@ struct FrameInfo {
     std::vector<uint64_t> partSizes;
 };
 
+// How a network stream asks for lost packets again (DSSetupResendRetryParams tunes it; the
+// stream's node map shows it).
+struct ResendSettings {
+    bool enabled = true;
+    // A gap in the packet ids is asked for once it is this old (reordering shorter than this
+    // costs no request).
+    uint32_t requestDelayUs = 2000;
+    // Time to wait for an asked-for packet before asking again, and how often to ask.
+    uint32_t retryTimeoutUs = 10000;
+    uint32_t maxRetries = 3;
+    // A frame whose packets have not all arrived this long after its trailer (or after the
+    // leader of a later frame) is delivered flagged incomplete.
+    uint32_t frameTimeoutUs = 100000;
+};
+
+// Transport counters of a network stream, shown in the stream's node map.
+struct StreamStatistics {
+    uint64_t packetsReceived = 0;
+    uint64_t packetsRecovered = 0; // arrived after a resend request
+    uint64_t packetsLost = 0;      // never arrived
+    uint64_t resendRequests = 0;   // PACKETRESEND commands sent
+    uint64_t framesDelivered = 0;
+    uint64_t framesIncomplete = 0; // delivered flagged incomplete
+    uint64_t framesLost = 0;       // no buffer queued, or nothing usable arrived
+};
+
 // Implemented by a data-stream module; called from the camera's acquisition thread. All calls
 // are thread-safe and never block on the application.
 class FrameSink {
@@ -101,6 +127,18 @@ public:
     virtual const DeviceIdentity& Identity() const = 0;
     virtual bool IsConnected() const = 0;
 
+    // DevOpen and DevClose: a network camera takes the control privilege the flags ask for
+    // (and keeps it alive) and gives it back on Close. A failed Open leaves the camera closed;
+    // the GC_ERROR text goes to the caller's last error. Virtual cameras need neither.
+    virtual GenTL::GC_ERROR Open(GenTL::DEVICE_ACCESS_FLAGS /*flags*/) {
+        return GenTL::GC_ERR_SUCCESS;
+    }
+    virtual void Close() {}
+    // DEVICE_ACCESS_STATUS as the camera itself reports it to an application that has not
+    // opened it (another host may hold control), or DEVICE_ACCESS_STATUS_UNKNOWN when only the
+    // producer's own bookkeeping knows.
+    virtual int32_t QueryAccessStatus() const { return GenTL::DEVICE_ACCESS_STATUS_UNKNOWN; }
+
     // The camera's register space (its remote port).
     virtual GenTL::GC_ERROR ReadPort(uint64_t address, void* data, size_t* size) = 0;
     virtual GenTL::GC_ERROR WritePort(uint64_t address, const void* data, size_t* size) = 0;
@@ -124,6 +162,11 @@ public:
     // into the sink has returned.
     virtual GenTL::GC_ERROR StartStream(uint32_t index, FrameSink* sink, uint64_t maxFrames) = 0;
     virtual void StopStream(uint32_t index) = 0;
+    // Network streams only; the defaults fit cameras without a packet transport.
+    virtual void ConfigureResend(uint32_t /*index*/, const ResendSettings& /*settings*/) {}
+    virtual bool GetStreamStatistics(uint32_t /*index*/, StreamStatistics& /*out*/) const {
+        return false;
+    }
 
     // Connects the device module's event sink (GCRegisterEvent EVENT_REMOTE_DEVICE); null
     // disconnects it.

@@ -2,7 +2,6 @@
 
 #include "GenTLError.h"
 #include "Interface.h"
-#include "VirtualNetwork.h"
 
 #include <GenTL/GenTLExtensions.h>
 
@@ -43,20 +42,25 @@ PortIdentity SystemPortIdentity() {
 
 } // namespace
 
-std::shared_ptr<System> System::Create(CameraLists cameras) {
-    std::shared_ptr<System> system(new System(std::move(cameras)));
+std::shared_ptr<System> System::Create(Backends backends) {
+    std::shared_ptr<System> system(new System(std::move(backends)));
     system->m_handle = HandleRegistry::Instance().Add(system, HandleKind::System);
+    // Cameras report from their own threads, possibly while the system closes: the weak
+    // reference keeps a late report from reaching a module that is gone.
+    std::weak_ptr<System> weak = system;
+    for (Slot& slot : system->m_slots)
+        slot.backend->SetConnectionListener([weak](const std::string& deviceId, bool connected) {
+            if (auto alive = weak.lock())
+                alive->NotifyConnection(deviceId, connected);
+        });
     return system;
 }
 
-System::System(CameraLists cameras) : m_port(SystemPortIdentity()) {
-    for (uint32_t i = 0; i < cameras.size(); ++i) {
+System::System(Backends backends) : m_port(SystemPortIdentity()) {
+    for (auto& backend : backends) {
         Slot slot;
-        slot.id = VirtualNetwork::InterfaceId(i);
-        slot.mac = VirtualNetwork::InterfaceMac(i);
-        slot.ip = VirtualNetwork::InterfaceIp(i);
-        slot.subnet = VirtualNetwork::kInterfaceSubnet;
-        slot.cameras = std::move(cameras[i]);
+        slot.id = backend->Id();
+        slot.backend = std::move(backend);
         m_slots.push_back(std::move(slot));
     }
     Describe();
@@ -96,13 +100,21 @@ void System::Describe() {
         .Selects("GevInterfaceMACAddress")
         .Selects("GevInterfaceDefaultIPAddress")
         .Selects("GevInterfaceDefaultSubnetMask");
-    auto selected = [this]() -> const Slot& { return m_slots.at(m_interfaceSelector.load()); };
-    description.String("InterfaceID", [selected] { return selected().id; });
-    description.String("InterfaceDisplayName",
-                       [selected] { return VirtualNetwork::InterfaceDisplayName(selected().id); });
-    description.Integer("GevInterfaceMACAddress", [selected] { return selected().mac; }).Mac();
-    description.Integer("GevInterfaceDefaultIPAddress", [selected] { return selected().ip; }).Ip();
-    description.Integer("GevInterfaceDefaultSubnetMask", [selected] { return selected().subnet; })
+    auto selected = [this]() -> const InterfaceBackend& {
+        return *m_slots.at(m_interfaceSelector.load()).backend;
+    };
+    description.String("InterfaceID", [selected] { return selected().Id(); });
+    description.String("InterfaceDisplayName", [selected] { return selected().DisplayName(); });
+    description
+        .Integer("GevInterfaceMACAddress",
+                 [selected] { return static_cast<int64_t>(selected().Address().mac); })
+        .Mac();
+    description
+        .Integer("GevInterfaceDefaultIPAddress", [selected] { return selected().Address().ip; })
+        .Ip();
+    description
+        .Integer("GevInterfaceDefaultSubnetMask",
+                 [selected] { return selected().Address().subnet; })
         .Ip();
     m_port.Describe(description);
 }
@@ -167,22 +179,7 @@ size_t System::SlotIndex(const std::string& id) const {
 }
 
 InfoValue System::InterfaceInfo(const std::string& id, GenTL::INTERFACE_INFO_CMD cmd) const {
-    const Slot& slot = m_slots[SlotIndex(id)];
-    switch (cmd) {
-    case GenTL::INTERFACE_INFO_ID:
-        return InfoValue::String(slot.id);
-    case GenTL::INTERFACE_INFO_DISPLAYNAME:
-        return InfoValue::String(VirtualNetwork::InterfaceDisplayName(slot.id));
-    case GenTL::INTERFACE_INFO_TLTYPE:
-        return InfoValue::String(TLTypeGEVName);
-    case GenTL::INTERFACE_INFO_ORVAN_GEV_MAC_ADDRESS:
-        return InfoValue::UInt64(slot.mac);
-    case GenTL::INTERFACE_INFO_ORVAN_GEV_IP_ADDRESS:
-        return InfoValue::UInt64(slot.ip);
-    default:
-        throw GenTLError(GenTL::GC_ERR_INVALID_PARAMETER,
-                         "Unknown interface info command " + std::to_string(cmd));
-    }
+    return Interface::InfoOf(*m_slots[SlotIndex(id)].backend, cmd);
 }
 
 GenTL::IF_HANDLE System::OpenInterface(const std::string& id) {
@@ -192,9 +189,8 @@ GenTL::IF_HANDLE System::OpenInterface(const std::string& id) {
     Slot& slot = m_slots[SlotIndex(id)];
     if (slot.open)
         throw GenTLError(GenTL::GC_ERR_RESOURCE_IN_USE, "Interface '" + id + "' is already open");
-    Interface::Address address{slot.mac, slot.ip, slot.subnet};
-    slot.open = Interface::Create(std::static_pointer_cast<System>(shared_from_this()), slot.id,
-                                  address, slot.cameras);
+    slot.open =
+        Interface::Create(std::static_pointer_cast<System>(shared_from_this()), slot.backend);
     slot.handle = slot.open->Handle();
     return slot.handle;
 }
@@ -211,7 +207,7 @@ void System::Forget(const Interface* closed) {
 
 std::shared_ptr<RemoteDevice> System::FindCamera(const std::string& deviceId) const {
     for (const Slot& slot : m_slots)
-        for (const auto& camera : slot.cameras)
+        for (const auto& camera : slot.backend->KnownCameras())
             if (camera->Identity().id == deviceId)
                 return camera;
     return nullptr;

@@ -2,9 +2,9 @@
 #ifndef ORVAN_GENTL_SYSTEM_H
 #define ORVAN_GENTL_SYSTEM_H
 
+#include "InterfaceBackend.h"
 #include "LocalPort.h"
 #include "Module.h"
-#include "RemoteDevice.h"
 
 #include <atomic>
 #include <memory>
@@ -19,9 +19,10 @@ class Interface;
 
 class System : public Module {
 public:
-    using CameraLists = std::vector<std::vector<std::shared_ptr<RemoteDevice>>>;
+    using Backends = std::vector<std::shared_ptr<InterfaceBackend>>;
 
-    static std::shared_ptr<System> Create(CameraLists cameras);
+    // The interfaces in the order TLGetInterfaceID lists them.
+    static std::shared_ptr<System> Create(Backends backends);
     ~System() override;
 
     GenTL::TL_HANDLE Handle() const { return m_handle; }
@@ -48,15 +49,12 @@ public:
 private:
     struct Slot {
         std::string id;
-        uint64_t mac = 0;
-        uint32_t ip = 0;
-        uint32_t subnet = 0;
-        std::vector<std::shared_ptr<RemoteDevice>> cameras;
+        std::shared_ptr<InterfaceBackend> backend;
         std::shared_ptr<Interface> open;
         GenTL::IF_HANDLE handle = nullptr;
     };
 
-    explicit System(CameraLists cameras);
+    explicit System(Backends backends);
     void Describe();
     size_t SlotIndex(const std::string& id) const;
 

@@ -21,7 +21,8 @@ class CFeatureBag : public IPersistScript {
 public:
     void SetInfo(const gcstring& info) override { m_Info = info; }
     const gcstring& GetInfo() const { return m_Info; }
-    // Appends the feature with its current value in string form.
+    // Appends the feature with its current value in string form. A float whose display form
+    // rounds its value is kept with as many digits as it takes to read the same value back.
     void PersistFeature(IValue& item) override;
     void SetBagName(const gcstring& bagName) { m_BagName = bagName; }
     const gcstring& GetBagName() const { return m_BagName; }
@@ -33,10 +34,18 @@ public:
     // pFeatureFilter, when given, names the only features to store. Returns the entry count.
     int64_t StoreToBag(INodeMap* pNodeMap, const int MaxNumPersistSkriptEntries = -1,
                        gcstring_vector* pFeatureFilter = nullptr);
-    // Writes the values in bag order, in repeated passes while a pass fails less than the one
-    // before (a feature may become writable only once a later one is set). With Verify, values
-    // are written verified and then compared with what the features read back, selectors being
-    // set again on the way. Failures are collected, never thrown; true when there were none.
+    // Writes the values in bag order (with Verify, verified against the features' limits), in
+    // passes: after each pass the bag is replayed, selectors set again and every other entry
+    // read back, and the entries that failed or read back another value are written again,
+    // until all hold, a pass ends where an earlier one did, or eight passes are done. So a
+    // feature that is locked, unavailable or limited until a later entry is set, or whose value
+    // is computed from a later entry, takes its value too. An entry stored under a selector
+    // value that the map refuses is not written (it would land in another selector value's
+    // instance); where the selector is not available at all, its features take the entries
+    // stored under the value the bag leaves the selector at. Failures are collected as
+    // "Feature '<name>': <problem>", never thrown; a refused write of a value the feature holds
+    // already is none, and with Verify, values that read back otherwise are failures too. True
+    // when there were none.
     bool LoadFromBag(INodeMap* pNodeMap, bool Verify = true, gcstring_vector* pErrorList = nullptr);
 
     bool operator==(const CFeatureBag& other) const;

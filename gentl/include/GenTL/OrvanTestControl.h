@@ -64,7 +64,28 @@ GC_IMPORT_EXPORT int32_t OrvanTC_InjectFrameFault(const char* deviceId, int32_t 
 GC_IMPORT_EXPORT int32_t OrvanTC_FailCall(const char* function, uint32_t nthCall, int32_t code,
                                           const char* text);
 
-/* Disarms every injected call failure and restores the default cameras. */
+/*
+ * Network cameras. Outside test control the producer lists, after the virtual interfaces, one
+ * GigE Vision interface per IPv4 interface of the host ("GEV::<name>", loopback included). A
+ * process under test control sees virtual cameras only: OrvanTC_SetVirtualCameras and
+ * OrvanTC_Reset switch the network interfaces off, OrvanTC_EnableGigE (enabled != 0) switches
+ * them back on. Takes effect at the next TLOpen.
+ */
+GC_IMPORT_EXPORT int32_t OrvanTC_EnableGigE(int32_t enabled);
+
+/*
+ * Narrows the GigE Vision interfaces to a comma-separated list of kernel interface names
+ * ("lo" keeps every datagram on the machine) and sends discovery, FORCEIP and control to
+ * `port` on the cameras. Null interfaces and port 0 fall back to the environment variables
+ * ORVAN_GIGE_INTERFACES and ORVAN_GIGE_PORT, and those to every interface and port 3956.
+ * Port above 65535: ORVAN_TC_BAD_ARGUMENT.
+ */
+GC_IMPORT_EXPORT int32_t OrvanTC_SetGigEDiscovery(const char* interfaces, uint32_t port);
+
+/*
+ * Disarms every injected call failure, restores the default cameras and the GigE Vision
+ * settings, and switches the network interfaces off.
+ */
 GC_IMPORT_EXPORT int32_t OrvanTC_Reset(void);
 
 #ifdef __cplusplus

@@ -1,0 +1,200 @@
+#include "GvspPacket.h"
+
+#include "GevProtocol.h"
+
+namespace Orvan {
+namespace Producer {
+
+namespace {
+
+// The format byte carries the extended-id flag in its top bit and the format in its low four.
+constexpr uint8_t kFormatMask = 0x0F;
+
+// Leader and trailer bodies all start with two reserved (field info) bytes and the payload type.
+constexpr size_t kPayloadTypeOffset = 2;
+constexpr size_t kTimestampOffset = 4;
+constexpr size_t kImageLeaderSize = 36;
+constexpr size_t kMultiZoneLeaderSize = 40;
+constexpr size_t kSizedLeaderSize = 20; // timestamp, then the 64-bit payload size
+constexpr size_t kTimestampLeaderSize = 12;
+constexpr size_t kH264LeaderSize = 12; // payload size right after the type; no timestamp
+constexpr size_t kGenericTrailerSize = 4;
+constexpr size_t kImageTrailerSize = 8;
+constexpr size_t kExtendedChunkTrailerSize = 16;
+constexpr size_t kChunkInfoSize = 8;
+
+uint16_t Be16(const uint8_t* p) {
+    return static_cast<uint16_t>(p[0] << 8 | p[1]);
+}
+
+uint32_t Be32(const uint8_t* p) {
+    return static_cast<uint32_t>(p[0]) << 24 | static_cast<uint32_t>(p[1]) << 16 |
+           static_cast<uint32_t>(p[2]) << 8 | p[3];
+}
+
+uint64_t Be64(const uint8_t* p) {
+    return static_cast<uint64_t>(Be32(p)) << 32 | Be32(p + 4);
+}
+
+void ReadImageFields(const uint8_t* p, GvspLeader& leader) {
+    leader.hasImage = true;
+    leader.pixelFormat = Be32(p);
+    leader.sizeX = Be32(p + 4);
+    leader.sizeY = Be32(p + 8);
+    leader.offsetX = Be32(p + 12);
+    leader.offsetY = Be32(p + 16);
+    leader.paddingX = Be16(p + 20);
+    leader.paddingY = Be16(p + 22);
+}
+
+// Bytes the leader of a payload type needs at least.
+size_t LeaderSize(uint16_t type) {
+    switch (type) {
+    case Gev::Image:
+    case Gev::ExtendedChunkData:
+        return kImageLeaderSize;
+    case Gev::MultiZoneImage:
+        return kMultiZoneLeaderSize;
+    case Gev::RawData:
+    case Gev::File:
+    case Gev::Jpeg:
+    case Gev::Jpeg2000:
+        return kSizedLeaderSize;
+    case Gev::H264:
+        return kH264LeaderSize;
+    default:
+        return kTimestampLeaderSize;
+    }
+}
+
+} // namespace
+
+std::optional<GvspHeader> ParseGvspHeader(const uint8_t* data, size_t size) {
+    if (data == nullptr || size < Gev::kGvspHeaderSize)
+        return std::nullopt;
+    GvspHeader header;
+    header.status = Be16(data);
+    header.extendedId = (data[4] & Gev::kGvspExtendedIdFlag) != 0;
+    header.format = data[4] & kFormatMask;
+    if (!header.extendedId) {
+        header.blockId = Be16(data + 2);
+        header.packetId = Be32(data + 4) & 0x00FFFFFF;
+        header.size = Gev::kGvspHeaderSize;
+        return header;
+    }
+    if (size < Gev::kGvspExtendedHeaderSize)
+        return std::nullopt;
+    header.flags = Be16(data + 2);
+    header.blockId = Be64(data + 8);
+    header.packetId = Be32(data + 16);
+    header.size = Gev::kGvspExtendedHeaderSize;
+    return header;
+}
+
+std::optional<GvspLeader> ParseGvspLeader(const uint8_t* body, size_t size) {
+    if (body == nullptr || size < kPayloadTypeOffset + 2)
+        return std::nullopt;
+    GvspLeader leader;
+    const uint16_t raw = Be16(body + kPayloadTypeOffset);
+    leader.chunkFlag = (raw & Gev::kPayloadTypeChunkFlag) != 0;
+    leader.payloadType = raw & static_cast<uint16_t>(~Gev::kPayloadTypeChunkFlag);
+    if (size < LeaderSize(leader.payloadType))
+        return std::nullopt;
+    switch (leader.payloadType) {
+    case Gev::Image:
+    case Gev::ExtendedChunkData:
+        ReadImageFields(body + 12, leader);
+        break;
+    case Gev::MultiZoneImage:
+        ReadImageFields(body + 16, leader); // after the zone direction mask
+        break;
+    case Gev::RawData:
+    case Gev::File:
+    case Gev::Jpeg:
+    case Gev::Jpeg2000:
+        leader.payloadSize = Be64(body + 12);
+        break;
+    case Gev::H264:
+        leader.payloadSize = Be64(body + 4);
+        return leader;
+    default:
+        break;
+    }
+    leader.timestamp = Be64(body + kTimestampOffset);
+    return leader;
+}
+
+std::optional<GvspTrailer> ParseGvspTrailer(const uint8_t* body, size_t size) {
+    if (body == nullptr || size < kGenericTrailerSize)
+        return std::nullopt;
+    GvspTrailer trailer;
+    const uint16_t raw = Be16(body + kPayloadTypeOffset);
+    trailer.chunkFlag = (raw & Gev::kPayloadTypeChunkFlag) != 0;
+    trailer.payloadType = raw & static_cast<uint16_t>(~Gev::kPayloadTypeChunkFlag);
+    size_t used = kGenericTrailerSize;
+    switch (trailer.payloadType) {
+    case Gev::Image:
+    case Gev::MultiZoneImage:
+        if (size < kImageTrailerSize)
+            return std::nullopt;
+        trailer.hasSizeY = true;
+        trailer.sizeY = Be32(body + 4);
+        used = kImageTrailerSize;
+        break;
+    case Gev::ChunkData:
+        if (size < kImageTrailerSize)
+            return std::nullopt;
+        trailer.hasChunkInfo = true;
+        trailer.chunkPayloadLength = Be32(body + 4);
+        used = kImageTrailerSize;
+        break;
+    case Gev::ExtendedChunkData:
+        if (size < kExtendedChunkTrailerSize)
+            return std::nullopt;
+        trailer.hasChunkInfo = true;
+        trailer.chunkPayloadLength = Be32(body + 4);
+        trailer.hasSizeY = true;
+        trailer.sizeY = Be32(body + 8);
+        trailer.chunkLayoutId = Be32(body + 12);
+        return trailer;
+    default:
+        break;
+    }
+    // Older cameras in chunk mode leave the chunk fields out; they are optional here.
+    if (trailer.chunkFlag && size >= used + kChunkInfoSize) {
+        trailer.hasChunkInfo = true;
+        trailer.chunkPayloadLength = Be32(body + used);
+        trailer.chunkLayoutId = Be32(body + used + 4);
+    }
+    return trailer;
+}
+
+std::optional<GvspPacket> ParseGvspPacket(const uint8_t* data, size_t size) {
+    const auto header = ParseGvspHeader(data, size);
+    if (!header)
+        return std::nullopt;
+    GvspPacket packet;
+    packet.header = *header;
+    const uint8_t* body = data + header->size;
+    const size_t bodySize = size - header->size;
+    switch (header->format) {
+    case Gev::Leader:
+        packet.leader = ParseGvspLeader(body, bodySize);
+        if (!packet.leader)
+            return std::nullopt;
+        break;
+    case Gev::Trailer:
+        packet.trailer = ParseGvspTrailer(body, bodySize);
+        if (!packet.trailer)
+            return std::nullopt;
+        break;
+    default:
+        packet.data = body;
+        packet.dataSize = bodySize;
+        break;
+    }
+    return packet;
+}
+
+} // namespace Producer
+} // namespace Orvan
