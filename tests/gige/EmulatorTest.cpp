@@ -1,8 +1,8 @@
 // The emulator over the network, as a GigE Vision host sees it: statuses, control privilege
 // and heartbeat, FORCEIP, actions, events, restarts, and robustness against garbage.
-#include "BigEndian.h"
 #include "EmulatedCamera.h"
 #include "GvcpTestClient.h"
+#include "gige/BigEndian.h"
 #include "gige/GevProtocol.h"
 #include "virtual/VirtualCamera.h"
 
@@ -10,6 +10,13 @@
 
 #include <random>
 #include <thread>
+
+using Orvan::Gev::Get16;
+using Orvan::Gev::Get32;
+using Orvan::Gev::Get64;
+using Orvan::Gev::Put16;
+using Orvan::Gev::Put32;
+using Orvan::Gev::Put64;
 
 namespace Orvan {
 namespace Emulator {

@@ -1,10 +1,15 @@
 #include "GvcpTestClient.h"
 
-#include "BigEndian.h"
 #include "FeatureRegister.h"
+#include "gige/BigEndian.h"
 #include "gige/GevProtocol.h"
 
 #include <chrono>
+
+using Orvan::Gev::Get16;
+using Orvan::Gev::Get32;
+using Orvan::Gev::Put16;
+using Orvan::Gev::Put32;
 
 namespace Orvan {
 namespace Emulator {

@@ -1,12 +1,19 @@
 // The emulator's packet encoders checked against the layouts hosts expect.
-#include "BigEndian.h"
 #include "GvcpServerCodec.h"
 #include "GvspPacketWriter.h"
+#include "gige/BigEndian.h"
 #include "gige/GevProtocol.h"
 
 #include <gtest/gtest.h>
 
 #include <numeric>
+
+using Orvan::Gev::Get16;
+using Orvan::Gev::Get32;
+using Orvan::Gev::Get64;
+using Orvan::Gev::Put16;
+using Orvan::Gev::Put32;
+using Orvan::Gev::Put64;
 
 namespace Orvan {
 namespace Emulator {

@@ -1,5 +1,7 @@
 #include "GvcpCodec.h"
 
+#include "BigEndian.h"
+
 #include "GevProtocol.h"
 
 #include <cstdio>
@@ -9,33 +11,15 @@ namespace Producer {
 
 namespace {
 
-void Put16(std::vector<uint8_t>& out, size_t at, uint16_t value) {
-    out[at] = static_cast<uint8_t>(value >> 8);
-    out[at + 1] = static_cast<uint8_t>(value);
-}
-
-void Put32(std::vector<uint8_t>& out, size_t at, uint32_t value) {
-    Put16(out, at, static_cast<uint16_t>(value >> 16));
-    Put16(out, at + 2, static_cast<uint16_t>(value));
-}
-
-uint16_t Get16(const uint8_t* p) {
-    return static_cast<uint16_t>((p[0] << 8) | p[1]);
-}
-
-uint32_t Get32(const uint8_t* p) {
-    return (static_cast<uint32_t>(Get16(p)) << 16) | Get16(p + 2);
-}
-
 // A command with its header filled in and a zeroed payload of the given size.
 std::vector<uint8_t> Command(uint8_t flags, uint16_t command, size_t payloadSize,
                              uint16_t requestId) {
     std::vector<uint8_t> out(Gev::kGvcpHeaderSize + payloadSize, 0);
     out[0] = Gev::kCommandKey;
     out[1] = flags;
-    Put16(out, 2, command);
-    Put16(out, 4, static_cast<uint16_t>(payloadSize));
-    Put16(out, 6, requestId);
+    Gev::Put16(&out[2], command);
+    Gev::Put16(&out[4], static_cast<uint16_t>(payloadSize));
+    Gev::Put16(&out[6], requestId);
     return out;
 }
 
@@ -77,11 +61,11 @@ std::vector<uint8_t> BuildForceIpCommand(uint16_t requestId, uint64_t mac, uint3
     namespace F = Gev::ForceIpField;
     std::vector<uint8_t> out = Command(Gev::kFlagAckRequired, Gev::ForceIpCmd, F::Size, requestId);
     const size_t base = Gev::kGvcpHeaderSize;
-    Put16(out, base + F::MacHigh, static_cast<uint16_t>(mac >> 32));
-    Put32(out, base + F::MacLow, static_cast<uint32_t>(mac));
-    Put32(out, base + F::StaticIp, ip);
-    Put32(out, base + F::StaticSubnet, subnet);
-    Put32(out, base + F::StaticGateway, gateway);
+    Gev::Put16(&out[base + F::MacHigh], static_cast<uint16_t>(mac >> 32));
+    Gev::Put32(&out[base + F::MacLow], static_cast<uint32_t>(mac));
+    Gev::Put32(&out[base + F::StaticIp], ip);
+    Gev::Put32(&out[base + F::StaticSubnet], subnet);
+    Gev::Put32(&out[base + F::StaticGateway], gateway);
     return out;
 }
 
@@ -90,7 +74,7 @@ std::vector<uint8_t> BuildReadRegCommand(uint16_t requestId,
     std::vector<uint8_t> out =
         Command(Gev::kFlagAckRequired, Gev::ReadRegCmd, 4 * addresses.size(), requestId);
     for (size_t i = 0; i < addresses.size(); ++i)
-        Put32(out, Gev::kGvcpHeaderSize + 4 * i, addresses[i]);
+        Gev::Put32(&out[Gev::kGvcpHeaderSize + 4 * i], addresses[i]);
     return out;
 }
 
@@ -100,16 +84,16 @@ BuildWriteRegCommand(uint16_t requestId,
     std::vector<uint8_t> out =
         Command(Gev::kFlagAckRequired, Gev::WriteRegCmd, 8 * addressValues.size(), requestId);
     for (size_t i = 0; i < addressValues.size(); ++i) {
-        Put32(out, Gev::kGvcpHeaderSize + 8 * i, addressValues[i].first);
-        Put32(out, Gev::kGvcpHeaderSize + 8 * i + 4, addressValues[i].second);
+        Gev::Put32(&out[Gev::kGvcpHeaderSize + 8 * i], addressValues[i].first);
+        Gev::Put32(&out[Gev::kGvcpHeaderSize + 8 * i + 4], addressValues[i].second);
     }
     return out;
 }
 
 std::vector<uint8_t> BuildReadMemCommand(uint16_t requestId, uint32_t address, uint16_t count) {
     std::vector<uint8_t> out = Command(Gev::kFlagAckRequired, Gev::ReadMemCmd, 8, requestId);
-    Put32(out, Gev::kGvcpHeaderSize, address);
-    Put16(out, Gev::kGvcpHeaderSize + 6, count);
+    Gev::Put32(&out[Gev::kGvcpHeaderSize], address);
+    Gev::Put16(&out[Gev::kGvcpHeaderSize + 6], count);
     return out;
 }
 
@@ -117,7 +101,7 @@ std::vector<uint8_t> BuildWriteMemCommand(uint16_t requestId, uint32_t address, 
                                           size_t size) {
     std::vector<uint8_t> out =
         Command(Gev::kFlagAckRequired, Gev::WriteMemCmd, 4 + size, requestId);
-    Put32(out, Gev::kGvcpHeaderSize, address);
+    Gev::Put32(&out[Gev::kGvcpHeaderSize], address);
     std::copy(data, data + size, out.begin() + Gev::kGvcpHeaderSize + 4);
     return out;
 }
@@ -133,12 +117,12 @@ std::vector<uint8_t> BuildActionCommand(uint16_t requestId, uint32_t deviceKey, 
         Command(flags, Gev::ActionCmd,
                 scheduled ? Gev::kScheduledActionPayloadSize : Gev::kActionPayloadSize, requestId);
     const size_t base = Gev::kGvcpHeaderSize;
-    Put32(out, base, deviceKey);
-    Put32(out, base + 4, groupKey);
-    Put32(out, base + 8, groupMask);
+    Gev::Put32(&out[base], deviceKey);
+    Gev::Put32(&out[base + 4], groupKey);
+    Gev::Put32(&out[base + 8], groupMask);
     if (scheduled) {
-        Put32(out, base + 12, static_cast<uint32_t>(scheduledTime >> 32));
-        Put32(out, base + 16, static_cast<uint32_t>(scheduledTime));
+        Gev::Put32(&out[base + 12], static_cast<uint32_t>(scheduledTime >> 32));
+        Gev::Put32(&out[base + 16], static_cast<uint32_t>(scheduledTime));
     }
     return out;
 }
@@ -150,37 +134,37 @@ std::vector<uint8_t> BuildPacketResendCommand(uint16_t requestId, uint16_t strea
     std::vector<uint8_t> out = Command(extendedId ? Gev::kFlagExtendedId : 0, Gev::PacketResendCmd,
                                        extendedId ? 20 : 12, requestId);
     const size_t base = Gev::kGvcpHeaderSize;
-    Put16(out, base, streamChannel);
+    Gev::Put16(&out[base], streamChannel);
     if (extendedId) {
-        Put32(out, base + 4, firstPacket);
-        Put32(out, base + 8, lastPacket);
-        Put32(out, base + 12, static_cast<uint32_t>(blockId >> 32));
-        Put32(out, base + 16, static_cast<uint32_t>(blockId));
+        Gev::Put32(&out[base + 4], firstPacket);
+        Gev::Put32(&out[base + 8], lastPacket);
+        Gev::Put32(&out[base + 12], static_cast<uint32_t>(blockId >> 32));
+        Gev::Put32(&out[base + 16], static_cast<uint32_t>(blockId));
     } else {
-        Put16(out, base + 2, static_cast<uint16_t>(blockId));
-        Put32(out, base + 4, firstPacket & 0x00FFFFFF);
-        Put32(out, base + 8, lastPacket & 0x00FFFFFF);
+        Gev::Put16(&out[base + 2], static_cast<uint16_t>(blockId));
+        Gev::Put32(&out[base + 4], firstPacket & 0x00FFFFFF);
+        Gev::Put32(&out[base + 8], lastPacket & 0x00FFFFFF);
     }
     return out;
 }
 
 std::vector<uint8_t> BuildEventAck(uint16_t requestId, bool eventData) {
     std::vector<uint8_t> out(Gev::kGvcpHeaderSize, 0);
-    Put16(out, 2, eventData ? Gev::EventDataAck : Gev::EventAck);
-    Put16(out, 6, requestId);
+    Gev::Put16(&out[2], eventData ? Gev::EventDataAck : Gev::EventAck);
+    Gev::Put16(&out[6], requestId);
     return out;
 }
 
 std::optional<GvcpAck> ParseAck(const uint8_t* data, size_t size) {
     if (data == nullptr || size < Gev::kGvcpHeaderSize)
         return std::nullopt;
-    const uint16_t length = Get16(data + 4);
+    const uint16_t length = Gev::Get16(data + 4);
     if (length > size - Gev::kGvcpHeaderSize)
         return std::nullopt;
     GvcpAck ack;
-    ack.status = Get16(data);
-    ack.answer = Get16(data + 2);
-    ack.ackId = Get16(data + 6);
+    ack.status = Gev::Get16(data);
+    ack.answer = Gev::Get16(data + 2);
+    ack.ackId = Gev::Get16(data + 6);
     ack.payload = data + Gev::kGvcpHeaderSize;
     ack.payloadSize = length;
     return ack;
@@ -189,13 +173,13 @@ std::optional<GvcpAck> ParseAck(const uint8_t* data, size_t size) {
 std::optional<GvcpCommandHeader> ParseCommandHeader(const uint8_t* data, size_t size) {
     if (data == nullptr || size < Gev::kGvcpHeaderSize || data[0] != Gev::kCommandKey)
         return std::nullopt;
-    const uint16_t length = Get16(data + 4);
+    const uint16_t length = Gev::Get16(data + 4);
     if (length > size - Gev::kGvcpHeaderSize)
         return std::nullopt;
     GvcpCommandHeader header;
     header.flags = data[1];
-    header.command = Get16(data + 2);
-    header.requestId = Get16(data + 6);
+    header.command = Gev::Get16(data + 2);
+    header.requestId = Gev::Get16(data + 6);
     header.payload = data + Gev::kGvcpHeaderSize;
     header.payloadSize = length;
     return header;
@@ -208,7 +192,7 @@ AckVerdict ClassifyAck(const GvcpAck& ack, uint16_t expectedAnswer, uint16_t req
     if (ack.answer == Gev::PendingAck) {
         if (ack.payloadSize < 4)
             return AckVerdict::Invalid;
-        pendingMs = Get16(ack.payload + 2);
+        pendingMs = Gev::Get16(ack.payload + 2);
         return AckVerdict::Pending;
     }
     // Some cameras answer a command they do not know with a generic acknowledge; its status
@@ -222,13 +206,13 @@ bool ParseReadRegAck(const GvcpAck& ack, uint32_t* values, size_t count) {
     if (ack.answer != Gev::ReadRegAck || ack.status != Gev::Success || ack.payloadSize != 4 * count)
         return false;
     for (size_t i = 0; i < count; ++i)
-        values[i] = Get32(ack.payload + 4 * i);
+        values[i] = Gev::Get32(ack.payload + 4 * i);
     return true;
 }
 
 bool ParseReadMemAck(const GvcpAck& ack, uint32_t address, uint8_t* data, size_t size) {
     if (ack.answer != Gev::ReadMemAck || ack.status != Gev::Success ||
-        ack.payloadSize != 4 + size || Get32(ack.payload) != address)
+        ack.payloadSize != 4 + size || Gev::Get32(ack.payload) != address)
         return false;
     std::copy(ack.payload + 4, ack.payload + 4 + size, data);
     return true;
@@ -244,14 +228,15 @@ std::optional<DeviceIdentity> ParseDiscoveryAck(const uint8_t* data, size_t size
     const uint8_t* p = ack->payload;
     DeviceIdentity identity;
     identity.tlType = "GEV";
-    identity.mac = (static_cast<uint64_t>(Get16(p + F::MacHigh)) << 32) | Get32(p + F::MacLow);
-    const uint32_t ipConfig = Get32(p + F::IpConfigCurrent);
+    identity.mac =
+        (static_cast<uint64_t>(Gev::Get16(p + F::MacHigh)) << 32) | Gev::Get32(p + F::MacLow);
+    const uint32_t ipConfig = Gev::Get32(p + F::IpConfigCurrent);
     identity.persistentIp = (ipConfig & Gev::kIpConfigPersistent) != 0;
     identity.dhcp = (ipConfig & Gev::kIpConfigDhcp) != 0;
     identity.lla = (ipConfig & Gev::kIpConfigLla) != 0;
-    identity.ip = Get32(p + F::CurrentIp);
-    identity.subnet = Get32(p + F::CurrentSubnet);
-    identity.gateway = Get32(p + F::DefaultGateway);
+    identity.ip = Gev::Get32(p + F::CurrentIp);
+    identity.subnet = Gev::Get32(p + F::CurrentSubnet);
+    identity.gateway = Gev::Get32(p + F::DefaultGateway);
     identity.vendor = Text(p + F::ManufacturerName, 32);
     identity.model = Text(p + F::ModelName, 32);
     identity.version = Text(p + F::DeviceVersion, 32);

@@ -1,5 +1,7 @@
 #include "GvspPacket.h"
 
+#include "BigEndian.h"
+
 #include "GevProtocol.h"
 
 namespace Orvan {
@@ -23,28 +25,15 @@ constexpr size_t kImageTrailerSize = 8;
 constexpr size_t kExtendedChunkTrailerSize = 16;
 constexpr size_t kChunkInfoSize = 8;
 
-uint16_t Be16(const uint8_t* p) {
-    return static_cast<uint16_t>(p[0] << 8 | p[1]);
-}
-
-uint32_t Be32(const uint8_t* p) {
-    return static_cast<uint32_t>(p[0]) << 24 | static_cast<uint32_t>(p[1]) << 16 |
-           static_cast<uint32_t>(p[2]) << 8 | p[3];
-}
-
-uint64_t Be64(const uint8_t* p) {
-    return static_cast<uint64_t>(Be32(p)) << 32 | Be32(p + 4);
-}
-
 void ReadImageFields(const uint8_t* p, GvspLeader& leader) {
     leader.hasImage = true;
-    leader.pixelFormat = Be32(p);
-    leader.sizeX = Be32(p + 4);
-    leader.sizeY = Be32(p + 8);
-    leader.offsetX = Be32(p + 12);
-    leader.offsetY = Be32(p + 16);
-    leader.paddingX = Be16(p + 20);
-    leader.paddingY = Be16(p + 22);
+    leader.pixelFormat = Gev::Get32(p);
+    leader.sizeX = Gev::Get32(p + 4);
+    leader.sizeY = Gev::Get32(p + 8);
+    leader.offsetX = Gev::Get32(p + 12);
+    leader.offsetY = Gev::Get32(p + 16);
+    leader.paddingX = Gev::Get16(p + 20);
+    leader.paddingY = Gev::Get16(p + 22);
 }
 
 // Bytes the leader of a payload type needs at least.
@@ -73,20 +62,20 @@ std::optional<GvspHeader> ParseGvspHeader(const uint8_t* data, size_t size) {
     if (data == nullptr || size < Gev::kGvspHeaderSize)
         return std::nullopt;
     GvspHeader header;
-    header.status = Be16(data);
+    header.status = Gev::Get16(data);
     header.extendedId = (data[4] & Gev::kGvspExtendedIdFlag) != 0;
     header.format = data[4] & kFormatMask;
     if (!header.extendedId) {
-        header.blockId = Be16(data + 2);
-        header.packetId = Be32(data + 4) & 0x00FFFFFF;
+        header.blockId = Gev::Get16(data + 2);
+        header.packetId = Gev::Get32(data + 4) & 0x00FFFFFF;
         header.size = Gev::kGvspHeaderSize;
         return header;
     }
     if (size < Gev::kGvspExtendedHeaderSize)
         return std::nullopt;
-    header.flags = Be16(data + 2);
-    header.blockId = Be64(data + 8);
-    header.packetId = Be32(data + 16);
+    header.flags = Gev::Get16(data + 2);
+    header.blockId = Gev::Get64(data + 8);
+    header.packetId = Gev::Get32(data + 16);
     header.size = Gev::kGvspExtendedHeaderSize;
     return header;
 }
@@ -95,7 +84,7 @@ std::optional<GvspLeader> ParseGvspLeader(const uint8_t* body, size_t size) {
     if (body == nullptr || size < kPayloadTypeOffset + 2)
         return std::nullopt;
     GvspLeader leader;
-    const uint16_t raw = Be16(body + kPayloadTypeOffset);
+    const uint16_t raw = Gev::Get16(body + kPayloadTypeOffset);
     leader.chunkFlag = (raw & Gev::kPayloadTypeChunkFlag) != 0;
     leader.payloadType = raw & static_cast<uint16_t>(~Gev::kPayloadTypeChunkFlag);
     if (size < LeaderSize(leader.payloadType))
@@ -112,15 +101,15 @@ std::optional<GvspLeader> ParseGvspLeader(const uint8_t* body, size_t size) {
     case Gev::File:
     case Gev::Jpeg:
     case Gev::Jpeg2000:
-        leader.payloadSize = Be64(body + 12);
+        leader.payloadSize = Gev::Get64(body + 12);
         break;
     case Gev::H264:
-        leader.payloadSize = Be64(body + 4);
+        leader.payloadSize = Gev::Get64(body + 4);
         return leader;
     default:
         break;
     }
-    leader.timestamp = Be64(body + kTimestampOffset);
+    leader.timestamp = Gev::Get64(body + kTimestampOffset);
     return leader;
 }
 
@@ -128,7 +117,7 @@ std::optional<GvspTrailer> ParseGvspTrailer(const uint8_t* body, size_t size) {
     if (body == nullptr || size < kGenericTrailerSize)
         return std::nullopt;
     GvspTrailer trailer;
-    const uint16_t raw = Be16(body + kPayloadTypeOffset);
+    const uint16_t raw = Gev::Get16(body + kPayloadTypeOffset);
     trailer.chunkFlag = (raw & Gev::kPayloadTypeChunkFlag) != 0;
     trailer.payloadType = raw & static_cast<uint16_t>(~Gev::kPayloadTypeChunkFlag);
     size_t used = kGenericTrailerSize;
@@ -138,24 +127,24 @@ std::optional<GvspTrailer> ParseGvspTrailer(const uint8_t* body, size_t size) {
         if (size < kImageTrailerSize)
             return std::nullopt;
         trailer.hasSizeY = true;
-        trailer.sizeY = Be32(body + 4);
+        trailer.sizeY = Gev::Get32(body + 4);
         used = kImageTrailerSize;
         break;
     case Gev::ChunkData:
         if (size < kImageTrailerSize)
             return std::nullopt;
         trailer.hasChunkInfo = true;
-        trailer.chunkPayloadLength = Be32(body + 4);
+        trailer.chunkPayloadLength = Gev::Get32(body + 4);
         used = kImageTrailerSize;
         break;
     case Gev::ExtendedChunkData:
         if (size < kExtendedChunkTrailerSize)
             return std::nullopt;
         trailer.hasChunkInfo = true;
-        trailer.chunkPayloadLength = Be32(body + 4);
+        trailer.chunkPayloadLength = Gev::Get32(body + 4);
         trailer.hasSizeY = true;
-        trailer.sizeY = Be32(body + 8);
-        trailer.chunkLayoutId = Be32(body + 12);
+        trailer.sizeY = Gev::Get32(body + 8);
+        trailer.chunkLayoutId = Gev::Get32(body + 12);
         return trailer;
     default:
         break;
@@ -163,8 +152,8 @@ std::optional<GvspTrailer> ParseGvspTrailer(const uint8_t* body, size_t size) {
     // Older cameras in chunk mode leave the chunk fields out; they are optional here.
     if (trailer.chunkFlag && size >= used + kChunkInfoSize) {
         trailer.hasChunkInfo = true;
-        trailer.chunkPayloadLength = Be32(body + used);
-        trailer.chunkLayoutId = Be32(body + used + 4);
+        trailer.chunkPayloadLength = Gev::Get32(body + used);
+        trailer.chunkLayoutId = Gev::Get32(body + used + 4);
     }
     return trailer;
 }

@@ -1,11 +1,14 @@
 #include "DeviceRegisters.h"
 
-#include "BigEndian.h"
+#include "gige/BigEndian.h"
 #include "gige/GevProtocol.h"
 
 #include <algorithm>
 #include <chrono>
 #include <vector>
+
+using Orvan::Gev::Get32;
+using Orvan::Gev::Put32;
 
 namespace Orvan {
 namespace Emulator {

@@ -1,6 +1,6 @@
 #include "EmulatedCamera.h"
 
-#include "BigEndian.h"
+#include "gige/BigEndian.h"
 #include "gige/GevProtocol.h"
 #include "virtual/VirtualCamera.h"
 
@@ -9,6 +9,9 @@
 #include <chrono>
 #include <cstring>
 #include <stdexcept>
+
+using Orvan::Gev::Put16;
+using Orvan::Gev::Put32;
 
 namespace Orvan {
 namespace Emulator {

@@ -1,10 +1,16 @@
 #include "GvcpServerCodec.h"
 
-#include "BigEndian.h"
+#include "gige/BigEndian.h"
 #include "gige/GevProtocol.h"
 
 #include <algorithm>
 #include <cstring>
+
+using Orvan::Gev::Get16;
+using Orvan::Gev::Get32;
+using Orvan::Gev::Get64;
+using Orvan::Gev::Put16;
+using Orvan::Gev::Put32;
 
 namespace Orvan {
 namespace Emulator {

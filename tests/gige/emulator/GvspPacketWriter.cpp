@@ -1,10 +1,14 @@
 #include "GvspPacketWriter.h"
 
-#include "BigEndian.h"
+#include "gige/BigEndian.h"
 #include "gige/GevProtocol.h"
 
 #include <algorithm>
 #include <cstring>
+
+using Orvan::Gev::Put16;
+using Orvan::Gev::Put32;
+using Orvan::Gev::Put64;
 
 namespace Orvan {
 namespace Emulator {

@@ -1,10 +1,12 @@
 #include "MessageChannel.h"
 
-#include "BigEndian.h"
 #include "GvcpServerCodec.h"
+#include "gige/BigEndian.h"
 #include "gige/GevProtocol.h"
 
 #include <chrono>
+
+using Orvan::Gev::Get16;
 
 namespace Orvan {
 namespace Emulator {

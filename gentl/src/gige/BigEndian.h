@@ -1,12 +1,12 @@
-// Network byte order for the emulator's packet encoders: every GVCP and GVSP field is big-endian.
-#ifndef ORVAN_TESTS_GIGE_EMULATOR_BIGENDIAN_H
-#define ORVAN_TESTS_GIGE_EMULATOR_BIGENDIAN_H
+// Network byte order: every GVCP and GVSP field is big-endian.
+#ifndef ORVAN_GENTL_GIGE_BIGENDIAN_H
+#define ORVAN_GENTL_GIGE_BIGENDIAN_H
 
 #include <cstddef>
 #include <cstdint>
 
 namespace Orvan {
-namespace Emulator {
+namespace Gev {
 
 inline uint16_t Get16(const uint8_t* p) {
     return uint16_t(p[0] << 8 | p[1]);
@@ -35,7 +35,7 @@ inline void Put64(uint8_t* p, uint64_t v) {
     Put32(p + 4, uint32_t(v));
 }
 
-} // namespace Emulator
+} // namespace Gev
 } // namespace Orvan
 
 #endif
