@@ -30,9 +30,13 @@ EVisibility CategoryNode::GetVisibility() const {
 }
 
 // A category is unimplemented when none of its features is implemented (or it has none);
-// features that are merely unavailable leave it readable.
+// features that are merely unavailable leave it readable. The features are asked in order until
+// one is implemented, so a feature whose access mode fails to compute fails the category.
 EAccessMode CategoryNode::MembersAccessMode() const {
-    return m_features.empty() || BestOf(m_features) == NI ? NI : RW;
+    for (Node* feature : m_features)
+        if (feature->GetAccessMode() != NI)
+            return RW;
+    return NI;
 }
 
 void CategoryNode::GetFeatures(FeatureList_t& features) const {

@@ -24,7 +24,7 @@ public:
 
 protected:
     EAccessMode MembersAccessMode() const override;
-    bool HasAvailability() const override { return false; }
+    bool IsGrouping() const override { return true; }
 
 private:
     std::vector<Node*> m_features;

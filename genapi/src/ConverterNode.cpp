@@ -6,77 +6,102 @@
 #include <Base/GCException.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace GenApi {
 namespace detail {
 
-ConverterNode::ConverterNode(NodeMap& map, const NodeDescription& description)
-    : FloatBase(map, description) {
+template <class Base>
+ConverterNode<Base>::ConverterNode(NodeMap& map, const NodeDescription& description)
+    : Base(map, description) {
     if (const Property* slope = description.Find("Slope"))
         m_slope = ParseSlope(*slope);
+    if (const Property* linear = description.Find("IsLinear"))
+        m_linear = ParseYesNo(*linear);
 }
 
-void ConverterNode::Link(const NodeDescription& description) {
-    FloatBase::Link(description);
+template <class Base>
+void ConverterNode<Base>::Link(const NodeDescription& description) {
+    Base::Link(description);
     m_context.Link(*this, description);
-    m_value = Resolve(description, "pValue");
+    m_value = this->Resolve(description, "pValue");
     if (!m_value)
-        throw RUNTIME_EXCEPTION("Converter '%s' at line %u has no <pValue>",
+        throw RUNTIME_EXCEPTION("%s '%s' at line %u has no <pValue>", description.kind.c_str(),
                                 description.name.c_str(), description.line);
-    AddReadingChild(m_value);
-    AddWritingChild(m_value);
+    this->AddReadingChild(m_value);
+    this->AddWritingChild(m_value);
     m_to = m_context.Parse(description, "FormulaTo", {"FROM"});
     m_from = m_context.Parse(description, "FormulaFrom", {"TO"});
 }
 
-bool ConverterNode::CacheValid() const {
+template <class Base>
+bool ConverterNode<Base>::CacheValid() const {
     return m_value->CacheValid() && m_context.CacheValid();
 }
 
-EAccessMode ConverterNode::InternalAccessMode() const {
+template <class Base>
+EAccessMode ConverterNode<Base>::InternalAccessMode() const {
     EAccessMode variables = m_context.VariablesAccessMode();
     return variables == RO ? m_value->GetAccessMode() : variables;
 }
 
-double ConverterNode::From(double raw) {
-    m_context.SetSpecial("TO", raw, FloatToInt(raw));
-    return m_context.EvaluateFloat(m_from);
+template <class Base>
+typename ConverterNode<Base>::T ConverterNode<Base>::From(T raw) {
+    m_context.SetSpecial("TO", raw);
+    return m_context.template Evaluate<T>(m_from);
 }
 
-double ConverterNode::RawValue(bool verify, bool ignoreCache) {
-    return From(ReadFloat(m_value, verify, ignoreCache));
+template <class Base>
+typename ConverterNode<Base>::T ConverterNode<Base>::RawValue(bool verify, bool ignoreCache) {
+    return From(ReadValue<T>(m_value, verify, ignoreCache));
 }
 
-void ConverterNode::WriteRaw(double value, bool verify) {
-    m_context.SetSpecial("FROM", value, FloatToInt(value));
-    WriteFloat(m_value, m_context.EvaluateFloat(m_to), verify);
+template <class Base>
+void ConverterNode<Base>::WriteRaw(T value, bool verify) {
+    m_context.SetSpecial("FROM", value);
+    WriteValue<T>(m_value, m_context.template Evaluate<T>(m_to), verify);
 }
 
-double ConverterNode::RawMin() {
-    // A formula whose slope varies says nothing about the limits.
-    if (m_slope == Varying)
-        return FloatBase::RawMin();
-    double a = From(ReadFloatMin(m_value));
-    double b = From(ReadFloatMax(m_value));
+template <class Base>
+std::pair<typename ConverterNode<Base>::T, typename ConverterNode<Base>::T>
+ConverterNode<Base>::Limits() {
+    T a = From(ReadMin<T>(m_value));
+    T b = From(ReadMax<T>(m_value));
     if (m_slope == Increasing)
-        return a;
+        return {a, b};
     if (m_slope == Decreasing)
-        return b;
-    return std::min(a, b);
+        return {b, a};
+    return {std::min(a, b), std::max(a, b)};
 }
 
-double ConverterNode::RawMax() {
-    // A formula whose slope varies says nothing about the limits.
-    if (m_slope == Varying)
-        return FloatBase::RawMax();
-    double a = From(ReadFloatMin(m_value));
-    double b = From(ReadFloatMax(m_value));
-    if (m_slope == Increasing)
-        return b;
-    if (m_slope == Decreasing)
-        return a;
-    return std::max(a, b);
+// A formula whose slope varies says nothing about the limits.
+template <class Base>
+typename ConverterNode<Base>::T ConverterNode<Base>::RawMin() {
+    return m_slope == Varying ? Base::RawMin() : Limits().first;
 }
+
+template <class Base>
+typename ConverterNode<Base>::T ConverterNode<Base>::RawMax() {
+    return m_slope == Varying ? Base::RawMax() : Limits().second;
+}
+
+// A linear formula maps the converted node's steps onto steps of one size: the increment is the
+// distance between the converted values of two neighbouring raw values.
+template <class Base>
+bool ConverterNode<Base>::RawHasInc() {
+    return (m_linear && HasStep(m_value)) || Base::RawHasInc();
+}
+
+template <class Base>
+typename ConverterNode<Base>::T ConverterNode<Base>::RawInc() {
+    if (!m_linear || !HasStep(m_value))
+        return Base::RawInc();
+    T inc = From(static_cast<T>(ReadStep(m_value))) - From(T{0});
+    return inc < 0 ? -inc : inc;
+}
+
+template class ConverterNode<FloatBase>;
+template class ConverterNode<IntegerBase>;
 
 } // namespace detail
 } // namespace GenApi

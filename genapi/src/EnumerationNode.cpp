@@ -32,6 +32,16 @@ EnumEntryNode* EnumerationNode::EntryFor(int64_t value) const {
     return nullptr;
 }
 
+// Entries may share a value, typically one per model of a family of which only one is
+// available: the current entry is the first available one with the value, or else the first
+// listed with it. Finding it asks every entry in turn whether it is available.
+EnumEntryNode* EnumerationNode::CurrentEntryFor(int64_t value) const {
+    for (EnumEntryNode* entry : m_entries)
+        if (IsAvailable(entry->GetAccessMode()) && entry->GetValue() == value)
+            return entry;
+    return EntryFor(value);
+}
+
 void EnumerationNode::GetSymbolics(StringList_t& symbolics) {
     NodeMap::Access access(m_map);
     symbolics.clear();
@@ -90,7 +100,7 @@ IEnumEntry* EnumerationNode::GetEntry(const int64_t intValue) {
 IEnumEntry* EnumerationNode::GetCurrentEntry(bool verify, bool ignoreCache) {
     NodeMap::Access access(m_map);
     int64_t value = GetIntValue(verify, ignoreCache);
-    EnumEntryNode* entry = EntryFor(value);
+    EnumEntryNode* entry = CurrentEntryFor(value);
     if (!entry)
         throw INVALID_ARGUMENT_EXCEPTION("Enumeration '%s' has no entry with the value %" PRId64,
                                          Name().c_str(), value);

@@ -36,6 +36,7 @@ protected:
 
 private:
     EnumEntryNode* EntryFor(int64_t value) const;
+    EnumEntryNode* CurrentEntryFor(int64_t value) const;
     std::vector<Node*> EntryNodes() const { return {m_entries.begin(), m_entries.end()}; }
 
     ValueSource m_value;

@@ -15,19 +15,13 @@ void FloatNode::Link(const NodeDescription& description) {
     m_inc.Link(*this, description, "Inc", "pInc");
 }
 
-// Without limits of its own the node has those of the node holding its value.
+// Without limits of its own the node has those of the nodes holding its value.
 double FloatNode::RawMin() {
-    if (m_min.IsSet())
-        return m_min.GetFloat();
-    Node* node = m_value.LimitsNode();
-    return node ? ReadFloatMin(node) : FloatBase::RawMin();
+    return m_min.IsSet() ? m_min.GetFloat() : m_value.CommonMin(FloatBase::RawMin());
 }
 
 double FloatNode::RawMax() {
-    if (m_max.IsSet())
-        return m_max.GetFloat();
-    Node* node = m_value.LimitsNode();
-    return node ? ReadFloatMax(node) : FloatBase::RawMax();
+    return m_max.IsSet() ? m_max.GetFloat() : m_value.CommonMax(FloatBase::RawMax());
 }
 
 } // namespace detail

@@ -16,6 +16,7 @@ public:
     bool CacheValid() const override { return m_value.CacheValid(); }
 
 protected:
+    bool KeepsValue() const override { return true; }
     EAccessMode InternalAccessMode() const override {
         return m_inc.Restrict(m_max.Restrict(m_min.Restrict(m_value.AccessMode())));
     }

@@ -13,11 +13,10 @@ public:
     using FloatBase::FloatBase;
     void Link(const NodeDescription& description) override;
     void DropCache() override { m_register.DropCache(); }
-    bool CacheValid() const override {
-        return m_register.CacheValid() && GetCachingMode() != NoCache;
-    }
+    bool CacheValid() const override { return m_register.CacheValid() && CachingMode() != NoCache; }
 
 protected:
+    bool KeepsValue() const override { return true; }
     EAccessMode InternalAccessMode() const override { return m_register.AccessMode(); }
     bool HasOwnCache() const override { return true; }
     double RawValue(bool verify, bool ignoreCache) override;

@@ -115,6 +115,10 @@ int64_t FormulaContext::EvaluateInt(const std::unique_ptr<Formula>& formula) {
     return formula->EvaluateInt(*this);
 }
 
+void FormulaContext::SetSpecial(const std::string& name, double value) {
+    SetSpecial(name, value, FloatToInt(value));
+}
+
 void FormulaContext::SetSpecial(const std::string& name, double floatValue, int64_t intValue) {
     for (auto& special : m_specials)
         if (special.name == name) {

@@ -11,6 +11,7 @@
 
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace GenApi {
@@ -31,9 +32,21 @@ public:
 
     double EvaluateFloat(const std::unique_ptr<Formula>& formula);
     int64_t EvaluateInt(const std::unique_ptr<Formula>& formula);
+    // In the arithmetic of the owner's value type.
+    template <class T>
+    T Evaluate(const std::unique_ptr<Formula>& formula) {
+        if constexpr (std::is_integral_v<T>)
+            return EvaluateInt(formula);
+        else
+            return EvaluateFloat(formula);
+    }
 
     // Sets the value of TO or FROM for the next evaluation.
     void SetSpecial(const std::string& name, double floatValue, int64_t intValue);
+    void SetSpecial(const std::string& name, int64_t value) {
+        SetSpecial(name, static_cast<double>(value), value);
+    }
+    void SetSpecial(const std::string& name, double value);
     // Unavailable while any variable the formula needs cannot be read.
     EAccessMode VariablesAccessMode() const;
     bool CacheValid() const;

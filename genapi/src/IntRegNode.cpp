@@ -33,7 +33,7 @@ void IntRegNode::Link(const NodeDescription& description) {
 }
 
 bool IntRegNode::CacheValid() const {
-    return m_register.CacheValid() && GetCachingMode() != NoCache;
+    return m_register.CacheValid() && CachingMode() != NoCache;
 }
 
 uint64_t IntRegNode::Assemble(const std::vector<uint8_t>& bytes) const {

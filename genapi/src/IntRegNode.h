@@ -17,6 +17,7 @@ public:
     bool CacheValid() const override;
 
 protected:
+    bool KeepsValue() const override { return true; }
     EAccessMode InternalAccessMode() const override { return m_register.AccessMode(); }
     bool HasOwnCache() const override { return true; }
     ERepresentation DefaultRepresentation() override { return PureNumber; }

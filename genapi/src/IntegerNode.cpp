@@ -17,19 +17,13 @@ int64_t IntegerNode::RawValue(bool verify, bool ignoreCache) {
     return m_value.GetInt(verify, ignoreCache);
 }
 
-// Without limits of its own the node has those of the node holding its value.
+// Without limits of its own the node has those of the nodes holding its value.
 int64_t IntegerNode::RawMin() {
-    if (m_min.IsSet())
-        return m_min.GetInt();
-    Node* node = m_value.LimitsNode();
-    return node ? ReadIntMin(node) : IntegerBase::RawMin();
+    return m_min.IsSet() ? m_min.GetInt() : m_value.CommonMin(IntegerBase::RawMin());
 }
 
 int64_t IntegerNode::RawMax() {
-    if (m_max.IsSet())
-        return m_max.GetInt();
-    Node* node = m_value.LimitsNode();
-    return node ? ReadIntMax(node) : IntegerBase::RawMax();
+    return m_max.IsSet() ? m_max.GetInt() : m_value.CommonMax(IntegerBase::RawMax());
 }
 
 int64_t IntegerNode::RawInc() {

@@ -15,6 +15,7 @@ public:
     void Link(const NodeDescription& description) override;
 
 protected:
+    bool KeepsValue() const override { return true; }
     EAccessMode InternalAccessMode() const override {
         return m_inc.Restrict(m_max.Restrict(m_min.Restrict(m_value.AccessMode())));
     }

@@ -9,6 +9,7 @@
 #include <GenApi/IValue.h>
 
 #include <algorithm>
+#include <exception>
 
 namespace GenApi {
 namespace detail {
@@ -137,6 +138,10 @@ void Node::AddReadingChild(Node* child, bool affectsCaching) {
     child->AddDependent(this);
 }
 
+void Node::AddValueInput(Node* input) {
+    AddUnique(m_valueInputs, input);
+}
+
 void Node::AddWritingChild(Node* child) {
     AddUnique(m_writingChildren, child);
 }
@@ -173,38 +178,118 @@ EAccessMode Node::BestOf(const std::vector<Node*>& members) {
 
 EAccessMode Node::GetAccessMode() const {
     NodeMap::Access access(m_map);
+    return AccessMode();
+}
+
+// The access mode is kept until something it depends on changes, also one computed while a loop
+// of nodes limiting each other was cut short (the node asked again inside the loop counts as
+// RW): which answers a loop gives then depends on where it was entered, and stays so until a
+// change. A node whose access mode fails to compute (a condition that cannot be evaluated)
+// reports the failure, then counts as RW until something it depends on changes; its value
+// decides from then on.
+EAccessMode Node::AccessMode() const {
+    if (m_knownMode != _UndefinedAccesMode)
+        return m_knownMode;
     // A description whose conditions refer back to the node itself must not recurse forever.
     if (m_inAccessMode)
         return RW;
-    FlagGuard guard(m_inAccessMode);
+    EAccessMode mode;
+    {
+        FlagGuard guard(m_inAccessMode);
+        try {
+            mode = ComputeAccessMode();
+        } catch (...) {
+            if (!IsGrouping())
+                m_knownMode = RW;
+            throw;
+        }
+    }
+    if (AccessModeCacheable())
+        m_knownMode = mode;
+    return mode;
+}
+
+bool Node::AccessModeCacheable() const {
+    if (m_modeCacheable >= 0)
+        return m_modeCacheable != 0;
+    // Inside a loop the answer being computed counts as cacheable.
+    m_modeCacheable = 1;
+    bool cacheable = true;
+    for (const std::vector<Node*>* values :
+         {&m_isImplemented, &m_isAvailable, &m_isLocked, &m_valueInputs})
+        for (Node* node : *values)
+            cacheable = cacheable && node->CachingMode() != NoCache && node->AccessModeCacheable();
+    for (Node* child : m_readingChildren)
+        cacheable = cacheable && child->AccessModeCacheable();
+    m_modeCacheable = cacheable ? 1 : 0;
+    return cacheable;
+}
+
+// Implemented is settled before available, also for what the node is built on: a node built on
+// an unimplemented one is unimplemented itself, whatever its own pIsAvailable says. What it is
+// built on may also fail to evaluate; an unavailable node then reports NA instead.
+EAccessMode Node::ComputeAccessMode() const {
+    EAccessMode members = IsGrouping() ? MembersAccessMode() : RW;
+    EAccessMode implemented = Implementation();
+    if (implemented != RW)
+        return implemented;
+    if (!IsGrouping())
+        members = MembersAccessMode();
+    if (members == NI)
+        return NI;
+    EAccessMode mode = RW;
+    std::exception_ptr failure;
+    try {
+        mode = InternalAccessMode();
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    if (!failure && mode == NI)
+        return NI;
+    EAccessMode available = Availability();
+    if (available != RW)
+        return available;
+    if (members == NA)
+        return NA;
+    if (failure)
+        std::rethrow_exception(failure);
+    if (mode == NA)
+        return mode;
+    return Combine(Locked(mode), m_imposedAccessMode);
+}
+
+EAccessMode Node::Implementation() const {
     for (Node* node : m_isImplemented) {
         EAccessMode condition = Condition(node, NI);
         if (condition != RW)
             return condition;
     }
-    EAccessMode members = MembersAccessMode();
-    if (members == NI)
-        return NI;
+    return RW;
+}
+
+// A lock that cannot be read leaves a feature unavailable; a category only groups features.
+EAccessMode Node::Locked(EAccessMode mode) const {
+    for (Node* node : m_isLocked) {
+        EAccessMode locked = Condition(node, _UndefinedAccesMode);
+        if ((locked == NA || locked == NI) && !IsGrouping())
+            return locked;
+        if (locked == RW && mode == RW)
+            mode = RO;
+        else if (locked == RW && mode == WO)
+            mode = NA;
+    }
+    return mode;
+}
+
+EAccessMode Node::Availability() const {
+    if (IsGrouping())
+        return RW;
     for (Node* node : m_isAvailable) {
-        if (!HasAvailability())
-            break;
         EAccessMode condition = Condition(node, NA);
         if (condition != RW)
             return condition;
     }
-    if (members == NA)
-        return NA;
-    EAccessMode mode = InternalAccessMode();
-    if (mode == NI || mode == NA)
-        return mode;
-    for (Node* node : m_isLocked)
-        if (Condition(node, NA) == RW) {
-            if (mode == RW)
-                mode = RO;
-            else if (mode == WO)
-                mode = NA;
-        }
-    return Combine(mode, m_imposedAccessMode);
+    return RW;
 }
 
 gcstring Node::GetName(bool fullQualified) const {
@@ -220,6 +305,26 @@ EVisibility Node::GetVisibility() const {
 void Node::ImposeAccessMode(EAccessMode mode) {
     NodeMap::Access access(m_map);
     m_imposedAccessMode = Combine(m_imposedAccessMode, mode);
+    ForgetAccessModes();
+}
+
+void Node::ForgetAccessModes() {
+    for (Node* node : Reached(&Node::m_dependents))
+        node->m_knownMode = _UndefinedAccesMode;
+}
+
+std::vector<Node*> Node::Reached(std::vector<Node*> Node::*links) {
+    std::vector<Node*> reached{this};
+    for (size_t i = 0; i < reached.size(); ++i)
+        for (Node* next : reached[i]->*links)
+            AddUnique(reached, next);
+    return reached;
+}
+
+void Node::Forget() {
+    m_knownMode = _UndefinedAccesMode;
+    m_valueKnown = false;
+    DropCache();
 }
 
 void Node::ImposeVisibility(EVisibility visibility) {
@@ -234,6 +339,12 @@ ECachingMode Node::GetCachingMode() const {
     if (m_cachingMode != _UndefinedCachingMode)
         return m_cachingMode;
     NodeMap::Access access(m_map);
+    return CachingMode();
+}
+
+ECachingMode Node::CachingMode() const {
+    if (m_cachingMode != _UndefinedCachingMode)
+        return m_cachingMode;
     if (m_derivedCachingMode != _UndefinedCachingMode)
         return m_derivedCachingMode;
     if (m_inCachingMode)
@@ -243,9 +354,9 @@ ECachingMode Node::GetCachingMode() const {
     if (HasOwnCache())
         return m_derivedCachingMode = mode;
     for (Node* child : m_cachingChildren)
-        mode = Weaker(mode, child->GetCachingMode());
+        mode = Weaker(mode, child->CachingMode());
     for (Node* child : m_variableChildren)
-        if (child->GetCachingMode() == NoCache)
+        if (child->CachingMode() == NoCache)
             mode = NoCache;
     m_derivedCachingMode = mode;
     return mode;
@@ -364,22 +475,17 @@ void Node::FireCallbacks(ECallbackType type) {
 // and everything that depends on it is told.
 void Node::InvalidateNode() {
     NodeMap::Access access(m_map);
-    std::vector<Node*> read{this};
-    for (size_t i = 0; i < read.size(); ++i)
-        for (Node* child : read[i]->m_readingChildren)
-            AddUnique(read, child);
-    for (Node* node : read)
-        node->DropCache();
+    for (Node* node : Reached(&Node::m_readingChildren))
+        node->Forget();
     Changed();
 }
 
 void Node::Changed() {
-    std::vector<Node*> affected{this};
-    for (size_t i = 0; i < affected.size(); ++i)
-        for (Node* dependent : affected[i]->m_dependents)
-            AddUnique(affected, dependent);
+    std::vector<Node*> affected = Reached(&Node::m_dependents);
+    // The node itself keeps the value just written; what it decides for others is recomputed.
+    m_knownMode = _UndefinedAccesMode;
     for (size_t i = 1; i < affected.size(); ++i)
-        affected[i]->DropCache();
+        affected[i]->Forget();
     for (Node* node : affected)
         if (node->HasCallbacks()) {
             node->FireCallbacks(cbPostInsideLock);
@@ -388,7 +494,7 @@ void Node::Changed() {
 }
 
 bool Node::CacheValid() const {
-    if (m_readingChildren.empty() || GetCachingMode() == NoCache)
+    if (m_readingChildren.empty() || CachingMode() == NoCache)
         return false;
     for (Node* child : m_readingChildren)
         if (!child->CacheValid())
@@ -409,12 +515,12 @@ void Node::Poll(int64_t elapsedTime) {
 }
 
 void Node::CheckReadable() const {
-    if (!IsReadable(GetAccessMode()))
+    if (!IsReadable(AccessMode()))
         throw ACCESS_EXCEPTION("Node '%s' is not readable", m_name.c_str());
 }
 
 void Node::CheckWritable() const {
-    if (!IsWritable(GetAccessMode()))
+    if (!IsWritable(AccessMode()))
         throw ACCESS_EXCEPTION("Node '%s' is not writable", m_name.c_str());
 }
 

@@ -73,7 +73,9 @@ public:
     // Marks this node and everything that depends on it as changed: caches dropped, callbacks
     // queued. Called after a write and by InvalidateNode.
     void Changed();
-    // Drops this node's own cached value, if it keeps one.
+    // Drops every cache this node keeps: its access mode, its value, its register bytes.
+    void Forget();
+    // Drops this node's own cached register bytes, if it keeps them.
     virtual void DropCache() {}
     // True if this node's value comes from a cache (its own or its children's) right now.
     virtual bool CacheValid() const;
@@ -90,8 +92,10 @@ protected:
     // none is available, RW otherwise. The node is then unimplemented before its own
     // availability is asked, and unavailable after.
     virtual EAccessMode MembersAccessMode() const { return RW; }
-    // Categories are never merely unavailable; their pIsAvailable is not consulted.
-    virtual bool HasAvailability() const { return true; }
+    // A category only groups features: it is never merely unavailable (its pIsAvailable and an
+    // unreadable pIsLocked are not consulted), its features are asked before its own conditions,
+    // and a failure to compute its access mode is not remembered.
+    virtual bool IsGrouping() const { return false; }
     static EAccessMode BestOf(const std::vector<Node*>& members);
     // The caching mode a node kind has when neither its description nor its children make it
     // weaker.
@@ -100,6 +104,10 @@ protected:
     virtual bool HasOwnCache() const { return false; }
 
 public:
+    // The access mode, for a caller that holds the map's lock.
+    EAccessMode AccessMode() const;
+    // The caching mode, for a caller that holds the map's lock.
+    ECachingMode CachingMode() const;
     // Looks up a referenced node; throws naming the line if the name is unknown.
     Node* Resolve(const Property& property) const;
     Node* Resolve(const NodeDescription& description, const char* propertyName) const;
@@ -112,6 +120,9 @@ public:
     // caching mode alone (the variables of a formula).
     void AddVariableChild(Node* child);
     void AddWritingChild(Node* child);
+    // A node whose value (not only its access mode) decides this node's access mode, as an
+    // index choosing where the value comes from does.
+    void AddValueInput(Node* input);
 
 protected:
     // Throws AccessException unless the node is readable / writable.
@@ -123,9 +134,23 @@ protected:
     NodeMap& m_map;
     std::vector<Node*> m_readingChildren;
     std::vector<Node*> m_writingChildren;
+    // Set by a node kind that keeps its last value; cleared whenever anything it is built on
+    // changes.
+    bool m_valueKnown = false;
 
 private:
+    EAccessMode ComputeAccessMode() const;
+    // Whether the access mode can be kept until something it depends on changes: not while a
+    // value it reads is never cached.
+    bool AccessModeCacheable() const;
+    void ForgetAccessModes();
+    // This node and every node reached from it through `links`, each once.
+    std::vector<Node*> Reached(std::vector<Node*> Node::*links);
     EAccessMode Condition(Node* node, EAccessMode whenFalse) const;
+    // RW, or what the pIsImplemented / pIsAvailable conditions make the node.
+    EAccessMode Implementation() const;
+    EAccessMode Availability() const;
+    EAccessMode Locked(EAccessMode mode) const;
 
     std::string m_name;
     std::string m_kind;
@@ -155,6 +180,9 @@ private:
     std::vector<Node*> m_invalidators;
     std::vector<CNodeCallback*> m_callbacks;
     mutable bool m_inAccessMode = false;
+    mutable EAccessMode m_knownMode = _UndefinedAccesMode;
+    mutable signed char m_modeCacheable = -1;
+    std::vector<Node*> m_valueInputs;
     mutable bool m_inCachingMode = false;
     mutable ECachingMode m_derivedCachingMode = _UndefinedCachingMode;
     std::vector<Node*> m_cachingChildren;

@@ -7,9 +7,7 @@
 #include "EnumerationNode.h"
 #include "FloatNode.h"
 #include "FloatRegNode.h"
-#include "IntConverterNode.h"
 #include "IntRegNode.h"
-#include "IntSwissKnifeNode.h"
 #include "IntegerNode.h"
 #include "PlainNode.h"
 #include "PortNode.h"
@@ -55,8 +53,8 @@ const std::unordered_map<std::string, Maker>& Makers() {
         {"IntConverter", Make<IntConverterNode>()},
         {"Float", Make<FloatNode>()},
         {"FloatReg", Make<FloatRegNode>()},
-        {"SwissKnife", Make<SwissKnifeNode>()},
-        {"Converter", Make<ConverterNode>()},
+        {"SwissKnife", Make<FloatSwissKnifeNode>()},
+        {"Converter", Make<FloatConverterNode>()},
         {"Boolean", Make<BooleanNode>()},
         {"Command", Make<CommandNode>()},
         {"Enumeration", Make<EnumerationNode>()},

@@ -53,7 +53,7 @@ INode* NodeMap::GetNode(const gcstring& name) const {
 void NodeMap::InvalidateNodes() const {
     Access access(*this);
     for (const auto& node : m_nodes)
-        node->DropCache();
+        node->Forget();
     for (const auto& node : m_nodes)
         node->FireCallbacks(cbPostInsideLock);
     for (const auto& node : m_nodes)

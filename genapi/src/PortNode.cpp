@@ -28,6 +28,10 @@ void PortNode::SetPortImpl(IPort* port) {
 
 void PortNode::Read(void* buffer, int64_t address, int64_t length) {
     NodeMap::Access access(m_map);
+    ReadLocked(buffer, address, length);
+}
+
+void PortNode::ReadLocked(void* buffer, int64_t address, int64_t length) {
     if (!m_port)
         throw ACCESS_EXCEPTION("Port '%s' is not connected", Name().c_str());
     m_port->Read(buffer, address, length);

@@ -21,6 +21,8 @@ public:
     void Read(void* buffer, int64_t address, int64_t length) override;
     void Write(const void* buffer, int64_t address, int64_t length) override;
     void SetPortImpl(IPort* port) override;
+    // Read for a caller that holds the map's lock.
+    void ReadLocked(void* buffer, int64_t address, int64_t length);
     // Reported to the transport layer, which swaps if it has to; the bytes pass through here
     // unchanged.
     EYesNo GetSwapEndianess() override { return m_swapEndianess ? Yes : No; }

@@ -7,6 +7,7 @@
 
 #include <Base/GCException.h>
 #include <GenApi/AccessModeHelpers.h>
+#include <GenApi/IRegister.h>
 
 #include <cinttypes>
 #include <cstring>
@@ -66,10 +67,18 @@ void RegisterAccess::Link(Node& owner, const NodeDescription& description) {
     }
 }
 
+// A register named by pAddress lends its own address, so that fields can be placed relative to a
+// block such as the image chunk; any other node lends its value.
+int64_t RegisterAccess::AddressOf(Node* node) {
+    if (auto* block = dynamic_cast<IRegister*>(node))
+        return block->GetAddress();
+    return ReadInt(node, false, false);
+}
+
 int64_t RegisterAccess::Address() const {
     uint64_t address = static_cast<uint64_t>(m_constantAddress);
     for (Node* node : m_addressNodes)
-        address += static_cast<uint64_t>(ReadInt(node, false, false));
+        address += static_cast<uint64_t>(AddressOf(node));
     for (const IndexTerm& term : m_indexTerms) {
         int64_t offset = term.offsetNode ? ReadInt(term.offsetNode, false, false) : term.offset;
         address += static_cast<uint64_t>(ReadInt(term.index, false, false)) *
@@ -108,7 +117,7 @@ EAccessMode RegisterAccess::AccessMode() const {
 }
 
 const std::vector<uint8_t>& RegisterAccess::Read(bool ignoreCache) {
-    if (m_cacheValid && !ignoreCache && m_owner->GetCachingMode() != NoCache)
+    if (m_cacheValid && !ignoreCache && m_owner->CachingMode() != NoCache)
         return m_cache;
     int64_t address = Address();
     int64_t length = Length();
@@ -117,11 +126,12 @@ const std::vector<uint8_t>& RegisterAccess::Read(bool ignoreCache) {
                                      m_owner->Name().c_str(), length);
     if (!m_port)
         throw ACCESS_EXCEPTION("Node '%s' has no port", m_owner->Name().c_str());
-    std::vector<uint8_t> bytes(static_cast<size_t>(length));
-    m_port->Read(bytes.data(), address, length);
-    m_cache.swap(bytes);
+    // Read in place: the buffer keeps its capacity from one read to the next.
+    m_cacheValid = false;
+    m_cache.resize(static_cast<size_t>(length));
+    m_port->ReadLocked(m_cache.data(), address, length);
     m_cacheAddress = address;
-    m_cacheValid = m_owner->GetCachingMode() != NoCache;
+    m_cacheValid = m_owner->CachingMode() != NoCache;
     return m_cache;
 }
 
@@ -130,7 +140,7 @@ void RegisterAccess::Write(const uint8_t* data, int64_t length) {
         throw ACCESS_EXCEPTION("Node '%s' has no port", m_owner->Name().c_str());
     int64_t address = Address();
     m_port->Write(data, address, length);
-    if (m_owner->GetCachingMode() == WriteThrough) {
+    if (m_owner->CachingMode() == WriteThrough) {
         m_cache.assign(data, data + length);
         m_cacheAddress = address;
         m_cacheValid = true;
@@ -151,7 +161,7 @@ void RegisterAccess::Overwritten(int64_t address, int64_t length) {
                     cacheStart - writeStart < static_cast<uint64_t>(length);
     if (!overlaps)
         return;
-    m_cacheValid = false;
+    m_owner->Forget();
     m_owner->Changed();
 }
 

@@ -41,6 +41,8 @@ private:
         int64_t offset;
     };
 
+    static int64_t AddressOf(Node* node);
+
     Node* m_owner = nullptr;
     int64_t m_constantAddress = 0;
     std::vector<Node*> m_addressNodes;

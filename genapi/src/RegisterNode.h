@@ -15,9 +15,7 @@ public:
     using ValueNode<IRegister>::ValueNode;
     void Link(const NodeDescription& description) override;
     void DropCache() override { m_register.DropCache(); }
-    bool CacheValid() const override {
-        return m_register.CacheValid() && GetCachingMode() != NoCache;
-    }
+    bool CacheValid() const override { return m_register.CacheValid() && CachingMode() != NoCache; }
 
     EInterfaceType GetPrincipalInterfaceType() const override { return intfIRegister; }
     void Set(const uint8_t* buffer, int64_t length, bool verify = true) override;

@@ -1,28 +1,35 @@
-// SwissKnife: a read-only floating-point value computed from other nodes by a formula.
+// SwissKnife and IntSwissKnife: a read-only value computed from other nodes by a formula, in the
+// arithmetic of the value type (SwissKnife: floating point, IntSwissKnife: 64-bit integers).
 #ifndef ORVAN_GENAPI_SWISSKNIFENODE_H
 #define ORVAN_GENAPI_SWISSKNIFENODE_H
 
 #include "FloatBase.h"
 #include "FormulaContext.h"
+#include "IntegerBase.h"
 
 namespace GenApi {
 namespace detail {
 
-class SwissKnifeNode : public FloatBase {
+template <class Base>
+class SwissKnifeNode : public Base {
 public:
-    using FloatBase::FloatBase;
+    using T = typename Base::ValueType;
+    using Base::Base;
     void Link(const NodeDescription& description) override;
     bool CacheValid() const override { return m_context.CacheValid(); }
 
 protected:
     EAccessMode InternalAccessMode() const override { return m_context.VariablesAccessMode(); }
-    double RawValue(bool verify, bool ignoreCache) override;
-    void WriteRaw(double value, bool verify) override;
+    T RawValue(bool verify, bool ignoreCache) override;
+    void WriteRaw(T value, bool verify) override;
 
 private:
     FormulaContext m_context;
     std::unique_ptr<Formula> m_formula;
 };
+
+using FloatSwissKnifeNode = SwissKnifeNode<FloatBase>;
+using IntSwissKnifeNode = SwissKnifeNode<IntegerBase>;
 
 } // namespace detail
 } // namespace GenApi

@@ -96,6 +96,18 @@ int64_t ReadIntInc(Node* node) {
     return 1;
 }
 
+bool HasStep(Node* node) {
+    if (auto* real = dynamic_cast<IFloat*>(node))
+        return real->HasInc();
+    return dynamic_cast<IInteger*>(node) != nullptr;
+}
+
+double ReadStep(Node* node) {
+    if (auto* real = dynamic_cast<IFloat*>(node))
+        return real->GetInc();
+    return static_cast<double>(ReadIntInc(node));
+}
+
 double ReadFloatMin(Node* node) {
     if (auto* real = dynamic_cast<IFloat*>(node))
         return real->GetMin();

@@ -6,6 +6,8 @@
 
 #include <Base/GCException.h>
 #include <GenApi/AccessModeHelpers.h>
+#include <GenApi/IFloat.h>
+#include <GenApi/IInteger.h>
 #include <GenApi/IString.h>
 
 #include <cstdlib>
@@ -17,6 +19,8 @@ ValueSource::Slot ValueSource::MakeSlot(Node& owner, const Property& property, b
     Slot slot;
     if (isNode) {
         slot.node = owner.Resolve(property);
+        slot.integer = dynamic_cast<IInteger*>(slot.node);
+        slot.real = dynamic_cast<IFloat*>(slot.node);
         owner.AddReadingChild(slot.node);
         owner.AddWritingChild(slot.node);
         return slot;
@@ -38,8 +42,10 @@ void ValueSource::Link(Node& owner, const NodeDescription& description) {
             name == "pValueDefault") {
             m_default = MakeSlot(owner, property, isNode);
             m_hasDefault = true;
-            if (name == "pValue")
+            if (name == "pValue") {
                 m_lastListed = m_default.node;
+                m_listed.push_back(m_lastListed);
+            }
         } else if (name == "ValueIndexed" || name == "pValueIndexed") {
             const std::string* index = property.Attribute("Index");
             int64_t indexValue = 0;
@@ -50,12 +56,14 @@ void ValueSource::Link(Node& owner, const NodeDescription& description) {
         } else if (name == "pIndex") {
             m_index = owner.Resolve(property);
             owner.AddReadingChild(m_index);
+            owner.AddValueInput(m_index);
         } else if (name == "pValueCopy") {
             Node* copy = owner.Resolve(property);
             m_copies.push_back(copy);
             owner.AddReadingChild(copy);
             owner.AddWritingChild(copy);
             m_lastListed = copy;
+            m_listed.push_back(copy);
         }
     }
 }
@@ -79,6 +87,13 @@ Node* ValueSource::CurrentNode() const {
 
 Node* ValueSource::LimitsNode() const {
     return m_index || !m_lastListed ? ValueNode() : m_lastListed;
+}
+
+std::vector<Node*> ValueSource::WrittenNodes() const {
+    if (!m_index && !m_listed.empty())
+        return m_listed;
+    Node* node = ValueNode();
+    return node ? std::vector<Node*>{node} : std::vector<Node*>{};
 }
 
 Node* ValueSource::ValueNode() const {
@@ -105,11 +120,15 @@ bool ValueSource::CacheValid() const {
 
 int64_t ValueSource::GetInt(bool verify, bool ignoreCache) const {
     Slot& slot = Current();
+    if (slot.integer)
+        return slot.integer->GetValue(verify, ignoreCache);
     return slot.node ? ReadInt(slot.node, verify, ignoreCache) : slot.constant.intValue;
 }
 
 double ValueSource::GetFloat(bool verify, bool ignoreCache) const {
     Slot& slot = Current();
+    if (slot.real)
+        return slot.real->GetValue(verify, ignoreCache);
     return slot.node ? ReadFloat(slot.node, verify, ignoreCache) : slot.constant.floatValue;
 }
 
@@ -126,7 +145,9 @@ const std::string& ValueSource::GetString(bool verify, bool ignoreCache) const {
 
 void ValueSource::SetInt(int64_t value, bool verify) {
     Slot& slot = Current();
-    if (slot.node)
+    if (slot.integer)
+        slot.integer->SetValue(value, verify);
+    else if (slot.node)
         WriteInt(slot.node, value, verify);
     else {
         slot.constant.intValue = value;
@@ -138,7 +159,9 @@ void ValueSource::SetInt(int64_t value, bool verify) {
 
 void ValueSource::SetFloat(double value, bool verify) {
     Slot& slot = Current();
-    if (slot.node)
+    if (slot.real)
+        slot.real->SetValue(value, verify);
+    else if (slot.node)
         WriteFloat(slot.node, value, verify);
     else {
         slot.constant.floatValue = value;

@@ -5,14 +5,20 @@
 #define ORVAN_GENAPI_VALUESOURCE_H
 
 #include "NodeDescription.h"
+#include "ValueAccess.h"
 
 #include <GenApi/Types.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <vector>
 
 namespace GenApi {
+
+struct IFloat;
+struct IInteger;
+
 namespace detail {
 
 class Node;
@@ -37,6 +43,23 @@ public:
     // The node whose limits the owner takes over when it has none of its own: the last of the
     // value nodes (pValue and its pValueCopy companions) the description lists.
     Node* LimitsNode() const;
+    // The limits a value written here must respect when the owner gives none of its own: the
+    // value goes to every value node (pValue and its pValueCopy companions), so it has to fit
+    // all of them.
+    template <class T>
+    T CommonMin(T none) const {
+        T min = none;
+        for (Node* node : WrittenNodes())
+            min = std::max(min, ReadMin<T>(node));
+        return min;
+    }
+    template <class T>
+    T CommonMax(T none) const {
+        T max = none;
+        for (Node* node : WrittenNodes())
+            max = std::min(max, ReadMax<T>(node));
+        return max;
+    }
 
     EAccessMode AccessMode() const;
     bool CacheValid() const;
@@ -51,6 +74,9 @@ public:
 private:
     struct Slot {
         Node* node = nullptr;
+        // The node's numeric interfaces, looked up once: reads are the hot path.
+        IInteger* integer = nullptr;
+        IFloat* real = nullptr;
         Constant constant;
     };
     struct IndexedSlot {
@@ -59,6 +85,7 @@ private:
     };
 
     Slot& Current() const;
+    std::vector<Node*> WrittenNodes() const;
     static Slot MakeSlot(Node& owner, const Property& property, bool isNode);
 
     Slot m_default;
@@ -67,6 +94,7 @@ private:
     std::vector<IndexedSlot> m_indexed;
     std::vector<Node*> m_copies;
     Node* m_lastListed = nullptr;
+    std::vector<Node*> m_listed;
 };
 
 } // namespace detail

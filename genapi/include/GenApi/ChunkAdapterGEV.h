@@ -1,20 +1,14 @@
-// Chunk adapter for the GigE Vision chunk layout: each chunk's data is followed by its 32-bit
-// chunk ID and 32-bit data length, big-endian, and the chunks are found from the buffer's end.
+// Chunk adapter for the GigE Vision chunk layout: chunk IDs and lengths are big-endian.
 #ifndef GENAPI_CHUNKADAPTERGEV_H
 #define GENAPI_CHUNKADAPTERGEV_H
 
-#include <GenApi/ChunkAdapter.h>
+#include <GenApi/ChunkAdapterTrailer.h>
 
 namespace GenApi {
 
-class CChunkAdapterGEV : public CChunkAdapter {
+class CChunkAdapterGEV : public CChunkAdapterTrailer<true> {
 public:
-    explicit CChunkAdapterGEV(INodeMap* pNodeMap = nullptr, int64_t MaxChunkCacheSize = -1);
-    ~CChunkAdapterGEV() override;
-
-    bool CheckBufferLayout(uint8_t* pBuffer, int64_t BufferLength) override;
-    void AttachBuffer(uint8_t* pBuffer, int64_t BufferLength,
-                      AttachStatistics_t* pAttachStatistics = nullptr) override;
+    using CChunkAdapterTrailer::CChunkAdapterTrailer;
 };
 
 } // namespace GenApi

@@ -114,16 +114,24 @@ int64_t IntShiftRight(int64_t a, int64_t count) {
 }
 
 // Floating-point-mode bitwise operators and shifts work on 32-bit signed integers, as the
-// reference implementation's results show: an operand is truncated toward zero and must lie in
-// the int32 range (else LogicalErrorException), the operation wraps around in 32 bits, and a
-// shift count is taken modulo 32.
+// reference implementation's results show. An operand is truncated toward zero. A shift needs
+// both operands in the int32 range (else LogicalErrorException); & | ^ ~ keep the low 32 bits of
+// any operand in the int64 range, so a mask such as 0xFFFFFFFC or a value that outgrew 32 bits
+// wraps around. The result wraps around in 32 bits and a shift count is taken modulo 32.
 int32_t ToInt32Operand(double value, const std::string& text) {
     if (!(value > -2147483649.0 && value < 2147483648.0))
         throw LOGICAL_ERROR_EXCEPTION(
-            "Formula '%s': operand %g of a bitwise operator or shift is outside the 32-bit "
-            "integer range",
+            "Formula '%s': operand %g of a shift is outside the 32-bit integer range",
             Shown(text).c_str(), value);
     return static_cast<int32_t>(value);
+}
+
+uint32_t LowBits(double value, const std::string& text) {
+    if (!(value >= -9223372036854775808.0 && value < 9223372036854775808.0))
+        throw LOGICAL_ERROR_EXCEPTION(
+            "Formula '%s': operand %g of a bitwise operator is outside the 64-bit integer range",
+            Shown(text).c_str(), value);
+    return static_cast<uint32_t>(static_cast<uint64_t>(static_cast<int64_t>(value)));
 }
 
 double Int32Result(uint32_t bits) {
@@ -132,21 +140,26 @@ double Int32Result(uint32_t bits) {
                                : static_cast<double>(bits);
 }
 
-double Float32BitOp(Op op, double a, double b, const std::string& text) {
+double Float32Shift(Op op, double a, double b, const std::string& text) {
     int32_t left = ToInt32Operand(a, text);
-    uint32_t x = static_cast<uint32_t>(left);
-    uint32_t y = static_cast<uint32_t>(ToInt32Operand(b, text));
+    uint32_t count = static_cast<uint32_t>(ToInt32Operand(b, text)) & 31;
+    if (op == Op::ShiftLeft)
+        return Int32Result(static_cast<uint32_t>(left) << count);
+    return static_cast<double>(ArithmeticShiftRight(left, count));
+}
+
+double Float32BitOp(Op op, double a, double b, const std::string& text) {
+    if (op == Op::ShiftLeft || op == Op::ShiftRight)
+        return Float32Shift(op, a, b, text);
+    uint32_t x = LowBits(a, text);
+    uint32_t y = LowBits(b, text);
     switch (op) {
     case Op::BitAnd:
         return Int32Result(x & y);
     case Op::BitOr:
         return Int32Result(x | y);
-    case Op::BitXor:
+    default: // BitXor
         return Int32Result(x ^ y);
-    case Op::ShiftLeft:
-        return Int32Result(x << (y & 31));
-    default: // ShiftRight, arithmetic
-        return static_cast<double>(ArithmeticShiftRight(left, y & 31));
     }
 }
 
@@ -782,7 +795,7 @@ double Formula::EvaluateFloat(FormulaVariables& variables) const {
             s[n - 1] = -s[n - 1];
             break;
         case Op::BitNot:
-            s[n - 1] = Int32Result(~static_cast<uint32_t>(ToInt32Operand(s[n - 1], m_text)));
+            s[n - 1] = Int32Result(~LowBits(s[n - 1], m_text));
             break;
         case Op::LogicalNot:
             s[n - 1] = Bool(s[n - 1] == 0.0);

@@ -39,23 +39,24 @@
 // Floating-point mode (EvaluateFloat): IEEE double arithmetic; ** is pow(); the functions are the
 // C library's (LN(0) is -inf, SQRT(-1) is NaN, no exception). The bitwise operators & | ^ ~ and
 // the shifts work on 32-bit signed integers, as in the reference implementation: each operand is
-// truncated toward zero and must lie in the int32 range (else LogicalErrorException), the result
-// wraps around in 32 bits ((1441563418 << 16) >> 16 is -31974) and a shift count is taken modulo
-// 32. % truncates its operands toward zero to int64 (NaN becomes 0, values beyond the range
-// saturate) and gives the integer remainder. ROUND rounds half away from zero; ROUND(x, n) rounds
-// to n decimal places (n truncated to an integer, may be negative).
-// Integer mode (EvaluateInt): every value is an int64_t; + - * << and unary minus wrap around
-// modulo 2**64; / truncates toward zero and INT64_MIN / -1 is INT64_MIN (its remainder 0); a
-// shift count is taken modulo 64, as in the reference implementation (1 << 79 is 32768, a
-// negative count -n shifts by 64 - n); ** is exact integer power with wrap-around (a negative
-// exponent gives 1/x**n truncated: 1 for x=1, +-1 for x=-1, an exception for x=0, else 0).
-// PI and E are truncated toward zero (3 and 2; a floating-point literal fails, see below); SGN
-// NEG ABS are exact; TRUNC FLOOR CEIL ROUND(x) return x; ROUND(x, n) returns x for n >= 0, rounds
-// half away from zero to a multiple of 10**-n for -18 <= n < 0 and gives 0 below; the other
-// functions are computed in double on the converted argument and truncated back with saturation.
-// Literals: an integer literal is kept exactly in integer mode (decimal values above INT64_MAX
-// saturate; hexadecimal literals of up to 64 bits keep their bit pattern, so 0xFFFFFFFFFFFFFFFF
-// is -1 in both modes); in floating-point mode it is converted to double.
+// truncated toward zero; the operands of a shift must lie in the int32 range (else
+// LogicalErrorException), while & | ^ ~ keep the low 32 bits of any operand in the int64 range
+// (0xFFFFFFFC is -4 there; NaN, infinities and larger values fail); the result wraps around in
+// 32 bits ((1441563418 << 16) >> 16 is -31974) and a shift count is taken modulo 32. % truncates
+// its operands toward zero to int64 (NaN becomes 0, values beyond the range saturate) and gives the
+// integer remainder. ROUND rounds half away from zero; ROUND(x, n) rounds to n decimal places (n
+// truncated to an integer, may be negative). Integer mode (EvaluateInt): every value is an int64_t;
+// + - * << and unary minus wrap around modulo 2**64; / truncates toward zero and INT64_MIN / -1 is
+// INT64_MIN (its remainder 0); a shift count is taken modulo 64, as in the reference implementation
+// (1 << 79 is 32768, a negative count -n shifts by 64 - n); ** is exact integer power with
+// wrap-around (a negative exponent gives 1/x**n truncated: 1 for x=1, +-1 for x=-1, an exception
+// for x=0, else 0). PI and E are truncated toward zero (3 and 2; a floating-point literal fails,
+// see below); SGN NEG ABS are exact; TRUNC FLOOR CEIL ROUND(x) return x; ROUND(x, n) returns x for
+// n >= 0, rounds half away from zero to a multiple of 10**-n for -18 <= n < 0 and gives 0 below;
+// the other functions are computed in double on the converted argument and truncated back with
+// saturation. Literals: an integer literal is kept exactly in integer mode (decimal values above
+// INT64_MAX saturate; hexadecimal literals of up to 64 bits keep their bit pattern, so
+// 0xFFFFFFFFFFFFFFFF is -1 in both modes); in floating-point mode it is converted to double.
 //
 // Two constructs parse but fail when evaluated, with GenICam::LogicalErrorException, because the
 // GenICam reference implementation fails on them when the value is read (its results for real

@@ -419,10 +419,16 @@ TEST(Formula, FloatingPointBitOperationsUse32BitIntegers) {
     EXPECT_EQ(EvalFloat("2147483647.9&-1"), 2147483647.0);
     EXPECT_EQ(EvalFloat("~2147483647"), -2147483648.0);
     EXPECT_EQ(EvalFloat("0x7FFFFFFF^0x0F"), 2147483632.0);
-    // operands outside the int32 range fail, as in the reference implementation
-    for (const char* text :
-         {"2147483648|0", "-2147483649|0", "0xFFFFFFFF&1", "1e300&1", "2637482850<<16", "1<<1e300",
-          "~4294967296", "SQRT(-1)|0", "(1/0.0000000000000000000000000000001)^0"}) {
+    // & | ^ ~ keep the low 32 bits of a wider operand: masks and values past 32 bits wrap
+    EXPECT_EQ(EvalFloat("0xFFFFFFFF&1"), 1.0);
+    EXPECT_EQ(EvalFloat("2147483648|0"), -2147483648.0);
+    EXPECT_EQ(EvalFloat("-2147483649|0"), 2147483647.0);
+    EXPECT_EQ(EvalFloat("~4294967296"), -1.0);
+    EXPECT_EQ(EvalFloat("(4294967296+21)&0xFFFFFFFC"), 20.0);
+    // shift operands outside the int32 range fail, as in the reference implementation, and so
+    // does any operand beyond the int64 range
+    for (const char* text : {"2147483648<<0", "1>>-2147483649", "1e300&1", "2637482850<<16",
+                             "1<<1e300", "SQRT(-1)|0", "(1/0.0000000000000000000000000000001)^0"}) {
         SCOPED_TRACE(text);
         EXPECT_THROW(EvalFloat(text), GenICam::LogicalErrorException);
     }
