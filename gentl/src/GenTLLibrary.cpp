@@ -6,9 +6,33 @@
 
 #include <GenTL/GenTL.h>
 
+#include <algorithm>
 #include <cstring>
 
 using namespace Orvan::Producer;
+
+namespace {
+
+// Consumers commonly ask with a fixed buffer, and what they need then is the explanation of
+// their failure, not a second failure: a text that does not fit is cut at the end of the buffer
+// and terminated, and the size reports what was written. Asking without a buffer gives the full
+// size. Only a buffer too small for the terminator itself is refused.
+GenTL::GC_ERROR CopyLastErrorText(char* text, size_t* size) {
+    const std::string& message = LastErrorText();
+    const size_t capacity = *size;
+    *size = message.size() + 1;
+    if (!text)
+        return GenTL::GC_ERR_SUCCESS;
+    if (capacity == 0)
+        return GenTL::GC_ERR_BUFFER_TOO_SMALL;
+    const size_t length = std::min(message.size(), capacity - 1);
+    std::memcpy(text, message.data(), length);
+    text[length] = '\0';
+    *size = length + 1;
+    return GenTL::GC_ERR_SUCCESS;
+}
+
+} // namespace
 
 namespace GenTL {
 extern "C" {
@@ -28,16 +52,7 @@ GC_ERROR GCGetLastError(GC_ERROR* errorCode, char* text, size_t* size) {
     if (!errorCode || !size)
         return GC_ERR_INVALID_PARAMETER;
     *errorCode = LastErrorCode();
-    const std::string& message = LastErrorText();
-    const size_t needed = message.size() + 1;
-    const size_t capacity = *size;
-    *size = needed;
-    if (!text)
-        return GC_ERR_SUCCESS;
-    if (capacity < needed)
-        return GC_ERR_BUFFER_TOO_SMALL;
-    std::memcpy(text, message.c_str(), needed);
-    return GC_ERR_SUCCESS;
+    return CopyLastErrorText(text, size);
 }
 
 GC_ERROR GCInitLib() {

@@ -187,6 +187,17 @@ std::shared_ptr<RemoteDevice> Interface::Discovered(const std::string& deviceId)
                                                    " (IFUpdateDeviceList finds devices)");
 }
 
+// Device ids outlive interface handles: a consumer lists the cameras through one handle, closes
+// it (or the whole system module) and later opens a camera by its id through a new handle
+// without updating that handle's list. An empty list is therefore filled by a discovery before
+// the id is judged unknown; a list the consumer did fill is taken as it is, and no list is
+// changed behind the back of a consumer that walks it by index.
+std::shared_ptr<RemoteDevice> Interface::Reported(const std::string& deviceId) {
+    if (NumDevices() == 0)
+        UpdateDeviceList(kDefaultDiscoveryMs);
+    return Discovered(deviceId);
+}
+
 int32_t Interface::AccessStatus(const std::string& deviceId) const {
     std::shared_ptr<Device> open;
     {
@@ -203,8 +214,8 @@ int32_t Interface::AccessStatus(const std::string& deviceId) const {
                : GenTL::DEVICE_ACCESS_STATUS_OPEN_READONLY;
 }
 
-InfoValue Interface::DeviceInfo(const std::string& deviceId, GenTL::DEVICE_INFO_CMD cmd) const {
-    std::shared_ptr<RemoteDevice> camera = Discovered(deviceId);
+InfoValue Interface::DeviceInfo(const std::string& deviceId, GenTL::DEVICE_INFO_CMD cmd) {
+    std::shared_ptr<RemoteDevice> camera = Reported(deviceId);
     if (cmd == GenTL::DEVICE_INFO_ORVAN_CONNECTED)
         throw GenTLError(GenTL::GC_ERR_NOT_IMPLEMENTED,
                          "The connection state is a DevGetInfo query of an open device");
@@ -220,7 +231,7 @@ GenTL::DEV_HANDLE Interface::OpenDevice(const std::string& deviceId,
     if (flags < GenTL::DEVICE_ACCESS_NONE || flags > GenTL::DEVICE_ACCESS_EXCLUSIVE)
         throw GenTLError(GenTL::GC_ERR_INVALID_PARAMETER,
                          "Unknown access flags " + std::to_string(flags));
-    std::shared_ptr<RemoteDevice> camera = Discovered(deviceId);
+    std::shared_ptr<RemoteDevice> camera = Reported(deviceId);
     {
         std::lock_guard<std::mutex> lock(m_mutex);
         if (m_closed)

@@ -38,7 +38,7 @@ public:
     bool UpdateDeviceList(uint64_t timeoutMs);
     uint32_t NumDevices() const;
     std::string DeviceId(uint32_t index) const;
-    InfoValue DeviceInfo(const std::string& deviceId, GenTL::DEVICE_INFO_CMD cmd) const;
+    InfoValue DeviceInfo(const std::string& deviceId, GenTL::DEVICE_INFO_CMD cmd);
     GenTL::DEV_HANDLE OpenDevice(const std::string& deviceId, GenTL::DEVICE_ACCESS_FLAGS flags);
     // Called by a device module as it closes.
     void Forget(const Device* closed);
@@ -54,6 +54,7 @@ private:
     explicit Interface(std::shared_ptr<InterfaceBackend> backend);
     void Describe();
     std::shared_ptr<RemoteDevice> Discovered(const std::string& deviceId) const;
+    std::shared_ptr<RemoteDevice> Reported(const std::string& deviceId);
     int32_t AccessStatus(const std::string& deviceId) const;
     std::shared_ptr<RemoteDevice> SelectedDevice() const;
 

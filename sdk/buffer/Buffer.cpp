@@ -29,7 +29,7 @@ Buffer::Buffer(Buffer* pSource)
       m_dataLargerThanBuffer(MakeCell(pSource->DataLargerThanBuffer())), m_notOwner(false) {
     const size_t size = *m_sizeOfBuffer;
     const uint8_t* source = pSource->GetData();
-    m_pData = new uint8_t[size]();
+    AdoptDataBlock(std::make_unique<uint8_t[]>(size));
     if (size != 0 && source != nullptr)
         std::memcpy(m_pData, source, size);
 }
@@ -108,6 +108,18 @@ bool Buffer::DataLargerThanBuffer() {
 bool Buffer::VerifyCRC() {
     ThrowLibraryError<GenICam::LogicalErrorException>("CRC not available.",
                                                       ORVAN_SITE("Buffer", "VerifyCRC"));
+}
+
+void Buffer::AdoptDataBlock(std::unique_ptr<uint8_t[]> block) {
+    m_ownedData = std::move(block);
+    m_pData = m_ownedData.get();
+    m_notOwner = false;
+}
+
+void Buffer::SetCallerDataBlock(uint8_t* pData) {
+    m_ownedData.reset();
+    m_pData = pData;
+    m_notOwner = true;
 }
 
 void Buffer::FillBufferProps(size_t length) {

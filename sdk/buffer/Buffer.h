@@ -41,11 +41,12 @@ public:
 
     // What the image factory needs beyond the interface.
     TLDataStream* GetStream() const { return m_pStream; }
-    // The pixel block as held, without asking the producer.
-    uint8_t* GetDataBlock() const { return m_pData; }
-    void SetDataBlock(uint8_t* pData) { m_pData = pData; }
+    // The buffer keeps the block and frees it with itself, so that an image that fails half
+    // built, or is destroyed, takes its pixels with it.
+    void AdoptDataBlock(std::unique_ptr<uint8_t[]> block);
+    // Memory the caller keeps and frees; the buffer only points at it.
+    void SetCallerDataBlock(uint8_t* pData);
     bool IsNotOwner() const { return m_notOwner; }
-    void SetNotOwner(bool notOwner) { m_notOwner = notOwner; }
 
 protected:
     // Sets every buffer cell at once, as an image made by the factory sees itself.
@@ -59,6 +60,7 @@ private:
     TLDataStream* m_pStream;
     void* m_hBuffer;
     uint8_t* m_pData;
+    std::unique_ptr<uint8_t[]> m_ownedData;
     std::unique_ptr<size_t> m_sizeFilled;
     std::unique_ptr<size_t> m_payloadSize;
     std::unique_ptr<size_t> m_sizeOfBuffer;

@@ -1,26 +1,33 @@
 #include "ChunkData.h"
 
 #include "core/ErrorTranslation.h"
+#include "feature/NodeMapUtility.h"
 
 #include <Orvan/Crc32.h>
 
 #include <GenApi/ChunkAdapterGEV.h>
 #include <GenApi/IInteger.h>
 
+#include <memory>
 #include <string>
 
 namespace Orvan {
 
-ChunkData::ChunkData() : m_pChunkNodeMap(nullptr), m_pChunkAdapter(nullptr) {}
+ChunkData::ChunkData() : m_pChunkNodeMap(nullptr) {}
 
-ChunkData::ChunkData(TLDataStream* pStream, void* hBuffer, GenApi::INodeMap* pChunkNodeMap)
-    : Buffer(pStream, hBuffer), m_pChunkNodeMap(pChunkNodeMap), m_pChunkAdapter(nullptr) {}
+ChunkData::ChunkData(TLDataStream* pStream, void* hBuffer, GenApi::INodeMap* pChunkNodeMap,
+                     const GenApi::CNodeMapFactory& chunkFactory)
+    : Buffer(pStream, hBuffer), m_chunkFactory(chunkFactory), m_pChunkNodeMap(pChunkNodeMap) {}
 
+// The source's map lives only as long as the source's buffer, so the copy parses against a map
+// of its own, made when first needed.
 ChunkData::ChunkData(ChunkData* pSource)
-    : Buffer(pSource), m_pChunkNodeMap(pSource->m_pChunkNodeMap), m_pChunkAdapter(nullptr) {}
+    : Buffer(pSource), m_chunkFactory(pSource->m_chunkFactory), m_pChunkNodeMap(nullptr) {}
 
-ChunkData::~ChunkData() {
-    delete m_pChunkAdapter;
+ChunkData::~ChunkData() = default;
+
+void ChunkData::NodeMapDestroyer::operator()(GenApi::INodeMap* nodeMap) const noexcept {
+    DestroyNodeMap(nodeMap);
 }
 
 bool ChunkData::VerifyCRC() {
@@ -28,24 +35,29 @@ bool ChunkData::VerifyCRC() {
         "Validating CRC for ChunkData is not supported", ORVAN_SITE("ChunkData", "VerifyCRC"));
 }
 
-bool ChunkData::AttachChunks() {
-    m_pChunkAdapter = new GenApi::CChunkAdapterGEV(m_pChunkNodeMap, -1);
+GenApi::INodeMap* ChunkData::ChunkNodeMap() {
+    if (m_pChunkNodeMap == nullptr && m_chunkFactory.IsPreprocessed()) {
+        // Made without touching the description's raw text, which the device may be releasing
+        // on another thread.
+        m_ownChunkNodeMap.reset(m_chunkFactory.CreateNodeMap("Device", false));
+        m_pChunkNodeMap = m_ownChunkNodeMap.get();
+    }
+    return m_pChunkNodeMap;
+}
+
+bool ChunkData::AttachChunks(GenApi::INodeMap* nodeMap) {
+    auto adapter = std::make_unique<GenApi::CChunkAdapterGEV>(nodeMap, -1);
     try {
         const int64_t sizeFilled = static_cast<int64_t>(GetSizeFilled());
-        m_pChunkAdapter->AttachBuffer(const_cast<uint8_t*>(GetData()), sizeFilled, nullptr);
+        adapter->AttachBuffer(const_cast<uint8_t*>(GetData()), sizeFilled, nullptr);
     } catch (const GenICam::RuntimeException& e) {
-        delete m_pChunkAdapter;
-        m_pChunkAdapter = nullptr;
         // Only a rejected layout means "no chunks"; anything else is a real failure.
         if (std::string(e.what()).find("Invalid layout of buffer attached to chunk parser!") ==
             std::string::npos)
             throw;
         return false;
-    } catch (...) {
-        delete m_pChunkAdapter;
-        m_pChunkAdapter = nullptr;
-        throw;
     }
+    m_pChunkAdapter = std::move(adapter);
     return true;
 }
 
@@ -67,9 +79,10 @@ bool ChunkData::VerifyChunkCRC(size_t length, const char* file) {
 }
 
 GenApi::INode* ChunkData::GetChunk(GenICam::gcstring name) {
-    if (m_pChunkAdapter == nullptr && !AttachChunks())
+    GenApi::INodeMap* nodeMap = ChunkNodeMap();
+    if (nodeMap == nullptr || (m_pChunkAdapter == nullptr && !AttachChunks(nodeMap)))
         return nullptr;
-    return m_pChunkNodeMap->GetNode(name);
+    return nodeMap->GetNode(name);
 }
 
 } // namespace Orvan

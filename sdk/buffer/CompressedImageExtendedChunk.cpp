@@ -4,10 +4,11 @@ namespace Orvan {
 
 CompressedImageExtendedChunk::CompressedImageExtendedChunk() = default;
 
-CompressedImageExtendedChunk::CompressedImageExtendedChunk(TLDataStream* pStream, void* hBuffer,
-                                                           GenApi::INodeMap* pChunkNodeMap)
+CompressedImageExtendedChunk::CompressedImageExtendedChunk(
+    TLDataStream* pStream, void* hBuffer, GenApi::INodeMap* pChunkNodeMap,
+    const GenApi::CNodeMapFactory& chunkFactory)
     : Buffer(pStream, hBuffer), CompressedImage(pStream, hBuffer),
-      ChunkData(pStream, hBuffer, pChunkNodeMap) {}
+      ChunkData(pStream, hBuffer, pChunkNodeMap, chunkFactory) {}
 
 CompressedImageExtendedChunk::CompressedImageExtendedChunk(CompressedImageExtendedChunk* pSource)
     : Buffer(pSource), CompressedImage(pSource), ChunkData(pSource) {}

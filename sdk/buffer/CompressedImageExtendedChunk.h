@@ -10,8 +10,9 @@ namespace Orvan {
 class CompressedImageExtendedChunk : public virtual CompressedImage, public virtual ChunkData {
 public:
     CompressedImageExtendedChunk();
-    CompressedImageExtendedChunk(TLDataStream* pStream, void* hBuffer,
-                                 GenApi::INodeMap* pChunkNodeMap);
+    CompressedImageExtendedChunk(
+        TLDataStream* pStream, void* hBuffer, GenApi::INodeMap* pChunkNodeMap,
+        const GenApi::CNodeMapFactory& chunkFactory = GenApi::CNodeMapFactory());
     explicit CompressedImageExtendedChunk(CompressedImageExtendedChunk* pSource);
     ~CompressedImageExtendedChunk() override;
 

@@ -5,9 +5,10 @@ namespace Orvan {
 ImageExtendedChunk::ImageExtendedChunk() = default;
 
 ImageExtendedChunk::ImageExtendedChunk(TLDataStream* pStream, void* hBuffer,
-                                       GenApi::INodeMap* pChunkNodeMap)
+                                       GenApi::INodeMap* pChunkNodeMap,
+                                       const GenApi::CNodeMapFactory& chunkFactory)
     : Buffer(pStream, hBuffer), Image(pStream, hBuffer),
-      ChunkData(pStream, hBuffer, pChunkNodeMap) {}
+      ChunkData(pStream, hBuffer, pChunkNodeMap, chunkFactory) {}
 
 // The shared buffer part is copied once, by the Buffer constructor of this most derived class.
 ImageExtendedChunk::ImageExtendedChunk(ImageExtendedChunk* pSource)

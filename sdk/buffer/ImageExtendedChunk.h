@@ -11,7 +11,8 @@ namespace Orvan {
 class ImageExtendedChunk : public virtual Image, public virtual ChunkData {
 public:
     ImageExtendedChunk();
-    ImageExtendedChunk(TLDataStream* pStream, void* hBuffer, GenApi::INodeMap* pChunkNodeMap);
+    ImageExtendedChunk(TLDataStream* pStream, void* hBuffer, GenApi::INodeMap* pChunkNodeMap,
+                       const GenApi::CNodeMapFactory& chunkFactory = GenApi::CNodeMapFactory());
     explicit ImageExtendedChunk(ImageExtendedChunk* pSource);
     ~ImageExtendedChunk() override;
 

@@ -9,6 +9,7 @@
 #include <Orvan/PixelFormat.h>
 
 #include <cstring>
+#include <memory>
 #include <string>
 
 namespace Orvan {
@@ -72,18 +73,22 @@ size_t CheckPixels(const uint8_t* data, size_t size, size_t width, size_t height
     return expected;
 }
 
-IImage* NewImage(uint8_t* block, bool notOwner, size_t length, size_t width, size_t height,
-                 uint64_t pixelFormat) {
-    auto* image = new Image();
-    image->SetDataBlock(block);
-    FillImageProps(image, length, width, height, pixelFormat);
-    image->SetNotOwner(notOwner);
+std::unique_ptr<Image> NewImage(size_t length, size_t width, size_t height, uint64_t pixelFormat) {
+    auto image = std::make_unique<Image>();
+    FillImageProps(image.get(), length, width, height, pixelFormat);
     return image;
 }
 
-// The checks before a destroy frees anything, in order; returns the buffer part.
-Buffer* CheckDestroyable(IBuffer* pImage, Buffer* pBuffer, const char* function,
-                         const char* notFromFactory) {
+IImage* NewOwningImage(std::unique_ptr<uint8_t[]> block, size_t length, size_t width, size_t height,
+                       uint64_t pixelFormat) {
+    std::unique_ptr<Image> image = NewImage(length, width, height, pixelFormat);
+    image->AdoptDataBlock(std::move(block));
+    return image.release();
+}
+
+// The checks before a destroy frees anything, in order.
+void CheckDestroyable(IBuffer* pImage, Buffer* pBuffer, const char* function,
+                      const char* notFromFactory) {
     if (!HasImageFactoryInit())
         Fail<GenICam::RuntimeException>(kNeverInitialized, function);
     if (pImage == nullptr)
@@ -92,7 +97,6 @@ Buffer* CheckDestroyable(IBuffer* pImage, Buffer* pBuffer, const char* function,
         Fail<GenICam::InvalidArgumentException>("Image not made by the library", function);
     if (pBuffer->GetStream() != nullptr || pBuffer->GetBufferHandle() != nullptr)
         Fail<GenICam::InvalidArgumentException>(notFromFactory, function);
-    return pBuffer;
 }
 
 } // namespace
@@ -100,9 +104,9 @@ Buffer* CheckDestroyable(IBuffer* pImage, Buffer* pBuffer, const char* function,
 IImage* ImageFactory::Create(const uint8_t* data, size_t size, size_t width, size_t height,
                              uint64_t pixelFormat) {
     const size_t expected = CheckPixels(data, size, width, height, pixelFormat, "Create");
-    auto* block = new uint8_t[expected]();
-    std::memcpy(block, data, expected);
-    return NewImage(block, false, size, width, height, pixelFormat);
+    auto block = std::make_unique<uint8_t[]>(expected);
+    std::memcpy(block.get(), data, expected);
+    return NewOwningImage(std::move(block), size, width, height, pixelFormat);
 }
 
 IImage* ImageFactory::CreateEmpty(size_t size, size_t width, size_t height, uint64_t pixelFormat) {
@@ -112,14 +116,16 @@ IImage* ImageFactory::CreateEmpty(size_t size, size_t width, size_t height, uint
     CheckParam(height, "CreateEmpty");
     const size_t expected = ExpectedSize(width, height, pixelFormat);
     CheckLen(size, expected, "CreateEmpty");
-    return NewImage(new uint8_t[expected](), false, expected, width, height, pixelFormat);
+    return NewOwningImage(std::make_unique<uint8_t[]>(expected), expected, width, height,
+                          pixelFormat);
 }
 
 IImage* ImageFactory::Shallow(const uint8_t* data, size_t size, size_t width, size_t height,
                               uint64_t pixelFormat) {
     CheckPixels(data, size, width, height, pixelFormat, "Shallow");
-    // The caller keeps the memory: the image only points at it and never frees it.
-    return NewImage(const_cast<uint8_t*>(data), true, size, width, height, pixelFormat);
+    std::unique_ptr<Image> image = NewImage(size, width, height, pixelFormat);
+    image->SetCallerDataBlock(const_cast<uint8_t*>(data));
+    return image.release();
 }
 
 IImage* ImageFactory::Copy(IImage* pImage) {
@@ -150,19 +156,14 @@ ICompressedImage* ImageFactory::CopyCompressedImage(ICompressedImage* pImage) {
     Fail<GenICam::InvalidArgumentException>("Unknown payload type", "CopyCompressedImage");
 }
 
+// An image frees the pixel block it owns itself; a shallow image owns none.
 void ImageFactory::Destroy(IImage* pImage) {
-    Buffer* buffer = CheckDestroyable(
-        pImage, dynamic_cast<Buffer*>(pImage), "Destroy",
-        "Failure destroying image because image not from factory (probably due to image being "
-        "from device)");
+    CheckDestroyable(pImage, dynamic_cast<Buffer*>(pImage), "Destroy",
+                     "Failure destroying image because image not from factory (probably due to "
+                     "image being from device)");
     switch (pImage->GetPayloadType()) {
     case PayloadType::kImage:
-        if (!buffer->IsNotOwner())
-            delete[] buffer->GetDataBlock();
-        delete pImage;
-        return;
     case PayloadType::kImageWithChunks:
-        delete[] buffer->GetDataBlock();
         delete pImage;
         return;
     case PayloadType::kChunkOnly:
@@ -173,14 +174,12 @@ void ImageFactory::Destroy(IImage* pImage) {
 }
 
 void ImageFactory::DestroyCompressedImage(ICompressedImage* pImage) {
-    Buffer* buffer = CheckDestroyable(
-        pImage, dynamic_cast<Buffer*>(pImage), "DestroyCompressedImage",
-        "Failure destroying compressed image because compressed image not from factory "
-        "(probably due to compressed image being from device)");
+    CheckDestroyable(pImage, dynamic_cast<Buffer*>(pImage), "DestroyCompressedImage",
+                     "Failure destroying compressed image because compressed image not from "
+                     "factory (probably due to compressed image being from device)");
     switch (pImage->GetPayloadType()) {
     case PayloadType::kCompressedImage:
     case PayloadType::kCompressedImageWithChunks:
-        delete[] buffer->GetDataBlock();
         delete pImage;
         return;
     default:

@@ -399,11 +399,12 @@ void System::DestroyDevice(IDevice* device) {
     if (!concrete)
         ThrowLibraryError<GenICam::InvalidArgumentException>("Device is null",
                                                              ORVAN_SITE("System", "DestroyDevice"));
+    // The poller must not ask a device that is gone. It may be running a callback that itself
+    // needs the system mutex, so it is waited for before that mutex is taken.
+    m_cbManager.DisconnectDevice(concrete);
     std::lock_guard<std::mutex> lock(m_systemMutex);
     if (Interface* iface = concrete->GetInterface())
         iface->RemoveDevice(concrete);
-    // The poller must not ask a device that is gone.
-    m_cbManager.DisconnectDevice(concrete);
     TLDevice* tlDevice = concrete->GetTLDevice();
     delete concrete;
     if (tlDevice) {
@@ -420,6 +421,8 @@ GenApi::INodeMap* System::GetTLInterfaceNodeMap(DeviceInfo deviceInfo) {
 
 // The camera may sit behind any interface, so each is asked in turn until one reaches it.
 void System::ForceIp(uint64_t mac, uint64_t ip, uint64_t subnet, uint64_t gateway) {
+    // Enumerating again may close interfaces that a running device-list refresh still uses.
+    std::lock_guard<std::mutex> update(m_updateMutex);
     std::lock_guard<std::mutex> lock(m_systemMutex);
     bool changed = false;
     UpdateInterfaceList("ForceIp", &changed);

@@ -48,7 +48,8 @@ Device::Device(TLDevice* tlDevice, Interface* iface)
         m_interface = iface;
         LoadDescription();
         EnumerateStreams();
-        m_newBufferEvents.assign(m_streams.size(), nullptr);
+        for (size_t stream = 0; stream < m_streams.size(); ++stream)
+            m_newBufferEvents.push_back(std::make_unique<EventSlot>());
         m_chunkAdapter = new GenApi::CChunkAdapterGEV(m_nodeMap, -1);
         ApplyEventRateControl();
         ApplyScanType();
@@ -65,14 +66,21 @@ Device::~Device() {
         m_imageCallbacks.clear();
     }
     StopCallbackThread();
+    m_evsTriggerEvent.Take();
     // A device given back while streaming is stopped here rather than left running against
     // closed modules.
     for (size_t stream = 0; stream < m_newBufferEvents.size(); ++stream) {
-        if (!m_newBufferEvents[stream])
+        if (!m_newBufferEvents[stream]->IsSet())
             continue;
         try {
             StopStream(static_cast<int>(stream));
         } catch (const GenICam::GenericException&) {
+            // The stop gives the packet size back last; a stop that failed before has not.
+            try {
+                if (stream == kTcpStream)
+                    RestorePacketSize();
+            } catch (const GenICam::GenericException&) {
+            }
         }
     }
     try {
@@ -93,8 +101,6 @@ void Device::Release() noexcept {
     m_outstanding.clear();
     delete m_chunkAdapter;
     m_chunkAdapter = nullptr;
-    for (TLEvent* event : m_newBufferEvents)
-        delete event;
     m_newBufferEvents.clear();
     DestroyNodeMap(m_nodeMap);
     m_nodeMap = nullptr;

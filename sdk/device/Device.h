@@ -4,6 +4,7 @@
 #define ORVAN_DEVICE_DEVICE_H
 
 #include "StreamInfo.h"
+#include "core/EventSlot.h"
 #include "core/Port.h"
 #include "core/TLDevice.h"
 #include "core/TLEvent.h"
@@ -14,6 +15,7 @@
 #include <GenApi/NodeMapFactory.h>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -109,9 +111,12 @@ private:
     void RegisterNewBufferEvent(int stream, StreamInfo* info);
     void StartAcquisition(int stream, StreamInfo* info, size_t count);
     void AbortStartedStream(int stream, StreamInfo* info) noexcept;
-    void DeleteNewBufferEvent(int stream);
+    void DeleteNewBufferEvent(int stream) noexcept;
+    void RestorePacketSize();
     void StartCallbackThreadIfNeeded();
     void StopCallbackThread();
+    void DeliverToCallbacks(IBuffer* buffer);
+    void PauseCallbackThread(std::chrono::milliseconds pause);
 
     // A delivered buffer the application holds: the interface it was handed out as, the
     // object, and the chunk node map made for it (or null).
@@ -121,7 +126,7 @@ private:
         Buffer* buffer = nullptr;
         GenApi::INodeMap* chunkNodeMap = nullptr;
     };
-    TLEvent* NewBufferEvent(int stream);
+    EventSlot& NewBufferEvent(int stream);
     IBuffer* WrapBuffer(int stream, void* bufferHandle);
     IBuffer* Track(const Outstanding& entry);
     static void Discard(const Outstanding& entry) noexcept;
@@ -134,21 +139,22 @@ private:
     std::unique_ptr<TLBase> m_remoteModule; // the remote port as a module the port can read
     Port m_tlDevicePort;
     Port m_remotePort;
-    std::vector<StreamInfo*> m_streams;      // owned
-    std::vector<TLEvent*> m_newBufferEvents; // owned; null while the stream is stopped
+    std::vector<StreamInfo*> m_streams;                        // owned
+    std::vector<std::unique_ptr<EventSlot>> m_newBufferEvents; // one a stream; empty while stopped
     GenApi::CChunkAdapterGEV* m_chunkAdapter = nullptr;
     GenApi::CNodeMapFactory m_chunkFactory;
     std::mutex m_deviceMutex;
     std::mutex m_callbackMutex;    // taken after m_deviceMutex
-    std::mutex m_eventMutex;       // camera events
+    std::mutex m_eventMutex;       // switching camera events on and off
+    std::mutex m_deliveryMutex;    // the event adapter
     std::mutex m_outstandingMutex; // m_outstanding and the device's chunk adapter
     std::unordered_map<const void*, Outstanding> m_outstanding;
     std::vector<IImageCallback*> m_imageCallbacks;
     std::thread m_callbackThread;
     std::atomic<bool> m_callbackRun{false};
-    TLEvent* m_deviceEvent = nullptr;
+    EventSlot m_deviceEvent;
     GenApi::CEventAdapterGEV* m_eventAdapter = nullptr;
-    std::unique_ptr<TLEvent> m_evsTriggerEvent; // while the event-based-sensor stream runs
+    EventSlot m_evsTriggerEvent; // while the event-based-sensor stream runs
     std::string m_xml;
     int64_t m_savedPacketSize = -1;
     // Written by the multipart node callback inside the node map's lock, read anywhere.

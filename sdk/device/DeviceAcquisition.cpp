@@ -25,25 +25,35 @@ namespace {
 constexpr int64_t sk_hardcodedTcpPacketSize = 9000;
 constexpr size_t kMinAutomaticBuffers = 10;
 constexpr size_t kMaxAutomaticBuffers = 1000;
+constexpr int64_t kGigabitBytesPerSecond = 125000000;
 
 template <class T>
 GenApi::CPointer<T> NodeOf(GenApi::INodeMap* nodeMap, const char* name) {
     return nodeMap ? nodeMap->GetNode(name) : nullptr;
 }
 
+// A feature the camera may lack, or fail to read, counts as its type's zero value.
+template <class T, class V>
+V Optional(GenApi::INodeMap* nodeMap, const char* name) {
+    try {
+        GenApi::CPointer<T> node = NodeOf<T>(nodeMap, name);
+        if (GenApi::IsReadable(node))
+            return static_cast<V>(node->GetValue());
+    } catch (const GenICam::GenericException&) {
+    }
+    return V();
+}
+
 double OptionalFloat(GenApi::INodeMap* nodeMap, const char* name) {
-    GenApi::CFloatPtr node = NodeOf<GenApi::IFloat>(nodeMap, name);
-    return GenApi::IsReadable(node) ? node->GetValue() : 0.0;
+    return Optional<GenApi::IFloat, double>(nodeMap, name);
 }
 
 int64_t OptionalInteger(GenApi::INodeMap* nodeMap, const char* name) {
-    GenApi::CIntegerPtr node = NodeOf<GenApi::IInteger>(nodeMap, name);
-    return GenApi::IsReadable(node) ? node->GetValue() : 0;
+    return Optional<GenApi::IInteger, int64_t>(nodeMap, name);
 }
 
 std::string OptionalString(GenApi::INodeMap* nodeMap, const char* name) {
-    GenApi::CStringPtr node = NodeOf<GenApi::IString>(nodeMap, name);
-    return GenApi::IsReadable(node) ? node->GetValue().c_str() : std::string();
+    return Optional<GenApi::IString, GenICam::gcstring>(nodeMap, name).c_str();
 }
 
 // Gives the pool back and reports the failure that made the start give up; the producer's
@@ -65,10 +75,15 @@ void Device::StartStream(size_t numBuffers) {
         SetNodeValue<int64_t>(m_nodeMap, "DeviceStreamChannelPacketSize",
                               sk_hardcodedTcpPacketSize);
     }
-    if (stream == kEvsStream)
-        StartStreamEVS(static_cast<int>(stream), numBuffers);
-    else
-        StartStream(static_cast<int>(stream), numBuffers);
+    try {
+        if (stream == kEvsStream)
+            StartStreamEVS(static_cast<int>(stream), numBuffers);
+        else
+            StartStream(static_cast<int>(stream), numBuffers);
+    } catch (...) {
+        RestorePacketSize();
+        throw;
+    }
 }
 
 void Device::StopStream() {
@@ -78,7 +93,11 @@ void Device::StopStream() {
         StopStreamEVS(static_cast<int>(stream));
     else
         StopStream(static_cast<int>(stream));
-    if (stream == kTcpStream && m_streams.size() > 1 && m_savedPacketSize != -1)
+}
+
+// Whatever stops the TCP stream gives the camera back the packet size it had before.
+void Device::RestorePacketSize() {
+    if (m_streams.size() > 1 && m_savedPacketSize != -1)
         SetNodeValue<int64_t>(m_nodeMap, "DeviceStreamChannelPacketSize", m_savedPacketSize);
 }
 
@@ -91,8 +110,11 @@ void Device::StartStream(int stream, size_t numBuffers) {
         ThrowLibraryError<GenICam::RuntimeException>("Node map not present", START_SITE);
     StreamInfo* info = Stream(stream, "StartStream");
     // A second start would give the running stream's buffers back in its failure cleanup.
-    if (m_newBufferEvents[static_cast<size_t>(stream)])
+    if (m_newBufferEvents[static_cast<size_t>(stream)]->IsSet())
         ThrowLibraryError<GenICam::LogicalErrorException>("Stream already started", START_SITE);
+    // Buffers an earlier failed start or stop could not give back go now, so that the pool
+    // holds exactly the count asked for.
+    CleanupAnnouncedBuffersOnStartFailure(info);
     const int64_t payload = GenApi::CIntegerPtr(m_nodeMap->GetNode("PayloadSize"))->GetValue();
     const int64_t height = GenApi::CIntegerPtr(m_nodeMap->GetNode("Height"))->GetValue();
     SelectStream();
@@ -148,10 +170,15 @@ size_t Device::BufferSize(int64_t payload, int64_t height) {
     return single * static_cast<size_t>(count);
 }
 
+// Enough buffers for 40 ms at the camera's top data rate. A camera that does not state that
+// rate is taken at its link speed, and failing that at a gigabit link's.
 size_t Device::AutomaticBufferCount(size_t bufferSize) {
-    const int64_t throughput =
-        GenApi::CIntegerPtr(m_nodeMap->GetNode("DeviceMaxThroughput"))->GetValue();
-    const uint64_t span = static_cast<uint64_t>(std::max<int64_t>(throughput, 0)) * 40 / 1000;
+    int64_t throughput = OptionalInteger(m_nodeMap, "DeviceMaxThroughput");
+    if (throughput <= 0)
+        throughput = OptionalInteger(m_nodeMap, "DeviceLinkSpeed");
+    if (throughput <= 0)
+        throughput = kGigabitBytesPerSecond;
+    const uint64_t span = static_cast<uint64_t>(throughput) * 40 / 1000;
     const size_t count = bufferSize ? static_cast<size_t>(span / bufferSize) : kMaxAutomaticBuffers;
     return std::clamp(count, kMinAutomaticBuffers, kMaxAutomaticBuffers);
 }
@@ -190,7 +217,7 @@ void Device::RegisterNewBufferEvent(int stream, StreamInfo* info) {
     if (status != GenTL::GC_ERR_SUCCESS)
         AbandonStart(info, status, "Unable to register new buffer events",
                      "GCRegisterEvent, EVENT_NEW_BUFFER");
-    m_newBufferEvents[static_cast<size_t>(stream)] = new TLEvent(event);
+    m_newBufferEvents[static_cast<size_t>(stream)]->Set(std::make_unique<TLEvent>(event));
 }
 
 // The producer stops by itself after the announced count: deliberately that count and not an
@@ -201,8 +228,8 @@ void Device::StartAcquisition(int stream, StreamInfo* info, size_t count) {
     if (status == GenTL::GC_ERR_SUCCESS)
         return;
     const std::string text = ProducerErrorText();
-    dataStream->UnregisterEvent(GenTL::EVENT_NEW_BUFFER);
     DeleteNewBufferEvent(stream);
+    dataStream->UnregisterEvent(GenTL::EVENT_NEW_BUFFER);
     CleanupAnnouncedBuffersOnStartFailure(info);
     ThrowGenTLError(status, "Unable to start acquisition", START_SITE, "DSStartAcquisition", text);
 }
@@ -213,23 +240,27 @@ void Device::AbortStartedStream(int stream, StreamInfo* info) noexcept {
     StopCallbackThread();
     TLDataStream* dataStream = info->GetTLDataStream();
     dataStream->StopAcquisition(GenTL::ACQ_STOP_FLAGS_DEFAULT);
-    dataStream->UnregisterEvent(GenTL::EVENT_NEW_BUFFER);
     DeleteNewBufferEvent(stream);
+    dataStream->UnregisterEvent(GenTL::EVENT_NEW_BUFFER);
+    // Each step is tried whatever the one before did: a failure here must not leave the
+    // buffers announced or the transport layer locked.
+    try {
+        CleanupAnnouncedBuffersOnStartFailure(info);
+    } catch (const GenICam::GenericException&) {
+    }
     try {
         GenApi::CIntegerPtr locked = m_nodeMap->GetNode("TLParamsLocked");
         if (GenApi::IsWritable(locked))
             locked->SetValue(0);
-        CleanupAnnouncedBuffersOnStartFailure(info);
     } catch (const GenICam::GenericException&) {
     }
     DiscardOutstanding(stream);
 }
 
-void Device::DeleteNewBufferEvent(int stream) {
-    if (stream < 0 || static_cast<size_t>(stream) >= m_newBufferEvents.size())
-        return;
-    delete m_newBufferEvents[static_cast<size_t>(stream)];
-    m_newBufferEvents[static_cast<size_t>(stream)] = nullptr;
+// Threads still waiting for a buffer of this stream are let go before the event goes.
+void Device::DeleteNewBufferEvent(int stream) noexcept {
+    if (stream >= 0 && static_cast<size_t>(stream) < m_newBufferEvents.size())
+        m_newBufferEvents[static_cast<size_t>(stream)]->Take();
 }
 
 void Device::StopStream(int stream) {
@@ -240,11 +271,11 @@ void Device::StopStream(int stream) {
     int32_t status = dataStream->StopAcquisition(GenTL::ACQ_STOP_FLAGS_DEFAULT);
     if (status != GenTL::GC_ERR_SUCCESS)
         ThrowGenTLError(status, "Unable to stop acquisition", STOP_SITE, "DSStopAcquisition");
+    DeleteNewBufferEvent(stream);
     status = dataStream->UnregisterEvent(GenTL::EVENT_NEW_BUFFER);
     if (status != GenTL::GC_ERR_SUCCESS)
         ThrowGenTLError(status, "Unable to unregister new buffer events", STOP_SITE,
                         "GCUnregisterEvent, EVENT_NEW_BUFFER");
-    DeleteNewBufferEvent(stream);
     GenApi::CIntegerPtr(m_nodeMap->GetNode("TLParamsLocked"))->SetValue(0, true);
     status = dataStream->FlushQueue(GenTL::ACQ_QUEUE_ALL_DISCARD);
     if (status != GenTL::GC_ERR_SUCCESS)
@@ -258,6 +289,8 @@ void Device::StopStream(int stream) {
         ThrowLibraryError<GenICam::LogicalErrorException>(
             "Unable to stop acquisition because Acquisition Stop node doesn't exist", STOP_SITE);
     acquisitionStop->Execute(false);
+    if (stream == static_cast<int>(kTcpStream))
+        RestorePacketSize();
 }
 
 } // namespace Orvan

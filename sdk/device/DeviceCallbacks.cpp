@@ -10,6 +10,8 @@
 #include <GenTL/GenTLExtensions.h>
 
 #include <algorithm>
+#include <chrono>
+#include <thread>
 
 namespace Orvan {
 namespace {
@@ -17,6 +19,9 @@ namespace {
 #define CALLBACK_SITE(function) ORVAN_SITE("Device", function)
 
 constexpr uint64_t kCallbackPollTimeoutMs = 50;
+constexpr std::chrono::milliseconds kFirstPause(1);
+constexpr std::chrono::milliseconds kLongestPause(200);
+constexpr std::chrono::milliseconds kPauseStep(10);
 
 } // namespace
 
@@ -89,28 +94,52 @@ void Device::StopCallbackThread() {
         thread.join();
 }
 
+// Nothing the stream does may end this thread or the process: every failure is swallowed. A
+// wait that fails at once, again and again (the stream stopped or changed underneath), backs
+// off instead of spinning.
 void Device::ImageCallbackThread() {
+    std::chrono::milliseconds pause(0);
     while (m_callbackRun) {
         IBuffer* buffer = nullptr;
+        const auto asked = std::chrono::steady_clock::now();
         try {
             buffer = GetBuffer(kCallbackPollTimeoutMs);
-        } catch (const GenICam::GenericException&) {
+        } catch (...) {
+        }
+        if (!buffer) {
+            const bool failedAtOnce = std::chrono::steady_clock::now() - asked <
+                                      std::chrono::milliseconds(kCallbackPollTimeoutMs / 2);
+            pause = failedAtOnce ? std::min(std::max(pause * 2, kFirstPause), kLongestPause)
+                                 : std::chrono::milliseconds(0);
+            PauseCallbackThread(pause);
             continue;
         }
-        IImage* image = buffer->AsImage();
-        std::lock_guard<std::mutex> lock(m_callbackMutex);
-        try {
-            if (image)
-                for (IImageCallback* callback : m_imageCallbacks)
-                    callback->OnImage(image);
-        } catch (...) {
-            // A failing callback costs the later callbacks this image, never the buffer.
-        }
-        try {
-            RequeueBuffer(buffer);
-        } catch (const GenICam::GenericException&) {
-        }
+        pause = std::chrono::milliseconds(0);
+        DeliverToCallbacks(buffer);
     }
+}
+
+void Device::DeliverToCallbacks(IBuffer* buffer) {
+    IImage* image = buffer->AsImage();
+    std::lock_guard<std::mutex> lock(m_callbackMutex);
+    try {
+        if (image)
+            for (IImageCallback* callback : m_imageCallbacks)
+                callback->OnImage(image);
+    } catch (...) {
+        // A failing callback costs the later callbacks this image, never the buffer.
+    }
+    try {
+        RequeueBuffer(buffer);
+    } catch (...) {
+    }
+}
+
+// Sleeps in short steps so that a stop never waits long for the thread.
+void Device::PauseCallbackThread(std::chrono::milliseconds pause) {
+    const auto until = std::chrono::steady_clock::now() + pause;
+    while (m_callbackRun && std::chrono::steady_clock::now() < until)
+        std::this_thread::sleep_for(std::min(pause, kPauseStep));
 }
 
 bool Device::IsConnected() {

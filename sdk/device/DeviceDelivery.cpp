@@ -61,33 +61,41 @@ void Device::ResetWaitForNextLeader() {
     ResetWaitForNextLeader(static_cast<int>(m_selectedStream.load()));
 }
 
-TLEvent* Device::NewBufferEvent(int stream) {
+EventSlot& Device::NewBufferEvent(int stream) {
     Stream(stream, "GetBuffer");
-    TLEvent* event = m_newBufferEvents[static_cast<size_t>(stream)];
-    if (!event)
-        ThrowLibraryError<GenICam::LogicalErrorException>(
-            "Unable to get buffer data, event handle is NULL", DELIVERY_SITE("GetBuffer"));
-    return event;
+    return *m_newBufferEvents[static_cast<size_t>(stream)];
 }
 
+// The buffer is wrapped while the stream's event is held, so a stop waits for it and then
+// finds it among the buffers handed out.
 IBuffer* Device::GetBuffer(int stream, uint64_t timeout) {
-    TLEvent* event = NewBufferEvent(stream);
-    GenTL::S_EVENT_NEW_BUFFER data = {};
-    size_t size = sizeof(data);
-    int32_t status = event->GetData(&data, &size, timeout);
+    int32_t status = GenTL::GC_ERR_SUCCESS;
+    IBuffer* buffer = nullptr;
+    const bool started = NewBufferEvent(stream).With([&](TLEvent* event) {
+        GenTL::S_EVENT_NEW_BUFFER data = {};
+        size_t size = sizeof(data);
+        status = event->GetData(&data, &size, timeout);
+        if (status != GenTL::GC_ERR_SUCCESS)
+            return;
+        try {
+            buffer = WrapBuffer(stream, data.BufferHandle);
+        } catch (...) {
+            // A buffer that cannot be handed out goes back to the pool instead of being lost.
+            m_streams[static_cast<size_t>(stream)]->GetTLDataStream()->QueueBuffer(
+                data.BufferHandle);
+            throw;
+        }
+    });
+    if (!started)
+        ThrowLibraryError<GenICam::LogicalErrorException>(
+            "Unable to get buffer data, event handle is NULL", DELIVERY_SITE("GetBuffer"));
     if (status == GenTL::GC_ERR_ABORT)
         ThrowGenTLError(status, "Unable to get buffer data, stream aborted",
                         DELIVERY_SITE("GetBuffer"), "EventGetData");
     if (status != GenTL::GC_ERR_SUCCESS)
         ThrowGenTLError(status, "Unable to get buffer data", DELIVERY_SITE("GetBuffer"),
                         "EventGetData");
-    try {
-        return WrapBuffer(stream, data.BufferHandle);
-    } catch (...) {
-        // A buffer that cannot be handed out goes back to the pool instead of being lost to it.
-        m_streams[static_cast<size_t>(stream)]->GetTLDataStream()->QueueBuffer(data.BufferHandle);
-        throw;
-    }
+    return buffer;
 }
 
 // Chunk-carrying buffers get a node map of their own from the chunk part of the description,
@@ -112,15 +120,17 @@ IBuffer* Device::WrapBuffer(int stream, void* handle) {
     Outstanding entry{stream, nullptr, nullptr, m_chunkFactory.CreateNodeMap("Device", true)};
     try {
         if (payloadType == PayloadType::kChunkOnly) {
-            auto* chunks = new ChunkData(dataStream, handle, entry.chunkNodeMap);
+            auto* chunks = new ChunkData(dataStream, handle, entry.chunkNodeMap, m_chunkFactory);
             entry.object = static_cast<IChunkData*>(chunks);
             entry.buffer = chunks;
         } else if (payloadType == PayloadType::kImageWithChunks) {
-            auto* image = new ImageExtendedChunk(dataStream, handle, entry.chunkNodeMap);
+            auto* image =
+                new ImageExtendedChunk(dataStream, handle, entry.chunkNodeMap, m_chunkFactory);
             entry.object = static_cast<IImage*>(image);
             entry.buffer = image;
         } else {
-            auto* image = new CompressedImageExtendedChunk(dataStream, handle, entry.chunkNodeMap);
+            auto* image = new CompressedImageExtendedChunk(dataStream, handle, entry.chunkNodeMap,
+                                                           m_chunkFactory);
             entry.object = static_cast<ICompressedImage*>(image);
             entry.buffer = image;
         }

@@ -49,7 +49,7 @@ void Device::StartStreamEVS(int stream, size_t numBuffers) {
         void* event = nullptr;
         status = dataStream->RegisterEvent(GenTL::EVENT_ORVAN_EVS_TRIGGER, &event);
         if (status == GenTL::GC_ERR_SUCCESS) {
-            m_evsTriggerEvent.reset(new TLEvent(event));
+            m_evsTriggerEvent.Set(std::make_unique<TLEvent>(event));
             return;
         }
         text = ProducerErrorText();
@@ -66,27 +66,28 @@ void Device::StopStreamEVS(int stream) {
     {
         std::lock_guard<std::mutex> lock(m_deviceMutex);
         TLDataStream* dataStream = Stream(stream, "StopStreamEVS")->GetTLDataStream();
-        if (m_evsTriggerEvent) {
+        if (std::unique_ptr<TLEvent> event = m_evsTriggerEvent.Take()) {
             int32_t status = dataStream->UnregisterEvent(GenTL::EVENT_ORVAN_EVS_TRIGGER);
-            if (status != GenTL::GC_ERR_SUCCESS)
+            if (status != GenTL::GC_ERR_SUCCESS) {
+                m_evsTriggerEvent.Set(std::move(event));
                 ThrowGenTLError(status, "Unable to unregister trigger events",
                                 EVS_SITE("StopStreamEVS"),
                                 "GCUnregisterEvent, EVENT_ORVAN_EVS_TRIGGER");
-            m_evsTriggerEvent.reset();
+            }
         }
     }
     StopStream(stream);
 }
 
 std::vector<uint8_t> Device::GetNextEvsTriggerEvent(uint64_t timeout) {
-    TLEvent* event = m_evsTriggerEvent.get();
-    if (!event)
+    std::vector<uint8_t> data(kTriggerEventBufferSize);
+    size_t size = data.size();
+    int32_t status = GenTL::GC_ERR_SUCCESS;
+    if (!m_evsTriggerEvent.With(
+            [&](TLEvent* event) { status = event->GetData(data.data(), &size, timeout); }))
         ThrowLibraryError<GenICam::LogicalErrorException>(
             "Unable to get trigger event data, event handle is NULL",
             EVS_SITE("GetNextEvsTriggerEvent"));
-    std::vector<uint8_t> data(kTriggerEventBufferSize);
-    size_t size = data.size();
-    int32_t status = event->GetData(data.data(), &size, timeout);
     if (status != GenTL::GC_ERR_SUCCESS)
         ThrowGenTLError(status, "Unable to get trigger event data",
                         EVS_SITE("GetNextEvsTriggerEvent"), "EventGetData");

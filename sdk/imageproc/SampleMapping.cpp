@@ -3,6 +3,7 @@
 #include "buffer/Image.h"
 
 #include <cstring>
+#include <memory>
 
 namespace Orvan {
 
@@ -16,13 +17,13 @@ size_t CountSamples(IImage& image, SampleStorage storage, const ErrorSite& site)
 }
 
 IImage* NewImageLike(IImage& source, const std::vector<uint8_t>& pixels) {
-    auto* block = new uint8_t[pixels.size()];
-    std::memcpy(block, pixels.data(), pixels.size());
-    auto* image = new Image();
-    image->SetDataBlock(block);
-    FillImageProps(image, pixels.size(), source.GetWidth(), source.GetHeight(),
+    auto image = std::make_unique<Image>();
+    FillImageProps(image.get(), pixels.size(), source.GetWidth(), source.GetHeight(),
                    source.GetPixelFormat());
-    return image;
+    std::unique_ptr<uint8_t[]> block(new uint8_t[pixels.size()]);
+    std::memcpy(block.get(), pixels.data(), pixels.size());
+    image->AdoptDataBlock(std::move(block));
+    return image.release();
 }
 
 } // namespace Orvan

@@ -16,8 +16,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <exception>
 #include <iostream>
 #include <thread>
+#include <utility>
 
 namespace Orvan {
 
@@ -85,6 +87,13 @@ struct Socket::Impl {
     // process) while a blocked recv still refers to it.
     std::atomic<int> listenerUsers{0};
     std::vector<sockaddr_in> destinations;
+    // A receive failure that ReceiveImages held back to hand over the images before it.
+    std::exception_ptr pendingError;
+
+    void RethrowPendingError() {
+        if (std::exception_ptr error = std::exchange(pendingError, nullptr))
+            std::rethrow_exception(error);
+    }
 
     long ReceiveOnListener(uint8_t* buffer, size_t capacity, int flags) {
         ++listenerUsers;
@@ -211,10 +220,12 @@ void Socket::OpenListener(uint16_t port) {
     }
     m_impl->CloseListenerDescriptor();
     m_impl->listener = fd;
+    m_impl->pendingError = nullptr; // it was the old listener's
     m_listenerClosed = false;
 }
 
 IImage* Socket::ReceiveImage() {
+    m_impl->RethrowPendingError();
     Impl::ListenerSource source(*m_impl, m_listenerClosed);
     ImageReception received = ReceiveImageDatagrams(source);
     switch (received.outcome) {
@@ -239,10 +250,25 @@ IImage* Socket::ReceiveImage() {
                                 received.pixelFormat);
 }
 
+// A failure after some images arrived would take them with it: they are returned, and the
+// failure is reported by the next receive, as a short read reports its error on the next call.
 std::vector<IImage*> Socket::ReceiveImages() {
     std::vector<IImage*> images;
-    while (IImage* image = ReceiveImage())
-        images.push_back(image);
+    try {
+        for (;;) {
+            // Room first, so that no received image waits on an allocation that can fail.
+            if (images.size() == images.capacity())
+                images.reserve(2 * images.size() + 4);
+            IImage* image = ReceiveImage();
+            if (image == nullptr)
+                break;
+            images.push_back(image);
+        }
+    } catch (...) {
+        if (images.empty())
+            throw;
+        m_impl->pendingError = std::current_exception();
+    }
     return images;
 }
 

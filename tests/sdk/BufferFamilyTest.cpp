@@ -175,7 +175,6 @@ TEST_F(BufferFamily, CopyOwnsItsBytesAndNeverAsksTheProducer) {
     EXPECT_EQ(copy.GetFrameId(), 42u);
     EXPECT_TRUE(copy.HasImageData());
     EXPECT_EQ(stream.queries, queries);
-    delete[] copy.GetDataBlock();
 }
 
 TEST_F(BufferFamily, RejectedChunkLayoutYieldsNoChunkAndNoCrc) {

@@ -5,6 +5,7 @@
 
 #include <GenTL/GenTLExtensions.h>
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -220,14 +221,20 @@ TEST_F(Streaming, EventSensorStreamDeliversTriggerEvents) {
     EXPECT_EQ(Announced(device, 3), 8);
     EXPECT_EQ(Orvan::GetNodeValue<GenICam::gcstring>(streamNodeMap, "StreamEvsOutputFormat"),
               Orvan::GetNodeValue<GenICam::gcstring>(nodeMap, "EventFormat"));
-    // A trigger that arrives before the camera's acquisition thread is armed is ignored, as on
-    // a real camera, so trigger until one is answered.
+    // A trigger rides on the next slice the camera can put in a buffer; with the pool full it
+    // is lost, as on a real camera. So trigger until one is answered, recycling buffers
+    // meanwhile: the device puts back every raw-data buffer it refuses to hand out.
     std::vector<uint8_t> trigger;
-    for (int attempt = 0; attempt < 20 && trigger.empty(); ++attempt) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (trigger.empty() && std::chrono::steady_clock::now() < deadline) {
         Orvan::ExecuteNode(nodeMap, "TriggerSoftware");
         try {
-            trigger = device->GetNextEvsTriggerEvent(kWaitMs / 10);
+            trigger = device->GetNextEvsTriggerEvent(kWaitMs / 20);
         } catch (const GenICam::TimeoutException&) {
+        }
+        try {
+            device->GetBuffer(0);
+        } catch (const GenICam::GenericException&) {
         }
     }
     EXPECT_EQ(trigger.size(), 16u);

@@ -27,6 +27,8 @@ struct Bends {
     std::atomic<int> opened{0};
     std::atomic<int> closed{0};
     std::atomic<int> refreshDelayMs{0};
+    std::atomic<int> refreshing{0};
+    std::atomic<bool> closedWhileRefreshing{false};
     std::mutex mutex;
     std::map<std::string, GenTL::GC_ERROR> refreshFailures; // by interface id
 };
@@ -92,6 +94,8 @@ GC_ERROR TLOpenInterface(TL_HANDLE system, const char* id, IF_HANDLE* handle) {
 GC_ERROR IFClose(IF_HANDLE handle) {
     static const auto real = Real<PIFClose>("IFClose");
     ++g_bends.closed;
+    if (g_bends.refreshing > 0)
+        g_bends.closedWhileRefreshing = true;
     return real(handle);
 }
 
@@ -99,7 +103,9 @@ GC_ERROR IFClose(IF_HANDLE handle) {
 // a null handle, and then reports the chosen code.
 GC_ERROR IFUpdateDeviceList(IF_HANDLE handle, bool8_t* changed, uint64_t timeout) {
     static const auto real = Real<PIFUpdateDeviceList>("IFUpdateDeviceList");
+    ++g_bends.refreshing;
     std::this_thread::sleep_for(std::chrono::milliseconds(g_bends.refreshDelayMs.load()));
+    --g_bends.refreshing;
     GC_ERROR failure = GC_ERR_SUCCESS;
     {
         std::lock_guard<std::mutex> lock(g_bends.mutex);
@@ -127,6 +133,7 @@ protected:
         g_bends.interfaceLimit = -1;
         g_bends.refreshDelayMs = 0;
         g_bends.refreshFailures.clear();
+        g_bends.closedWhileRefreshing = false;
     }
     void FailRefresh(const std::string& id, GenTL::GC_ERROR code) {
         std::lock_guard<std::mutex> lock(g_bends.mutex);
@@ -201,4 +208,19 @@ TEST_F(InterposedDiscovery, ASystemWithoutInterfacesEnumeratesAgainOnRefresh) {
     system->UpdateDevices(10);
     EXPECT_EQ(system->GetInterfaces().size(), 2u);
     EXPECT_EQ(system->GetDevices().size(), 2u);
+}
+
+// Forcing an address enumerates the interfaces again; one that went must not be closed while
+// a device-list refresh still uses it.
+TEST_F(InterposedDiscovery, ForcingAnAddressWaitsForARunningRefresh) {
+    g_bends.refreshDelayMs = 300;
+    std::thread refresh([&] { system->UpdateDevices(10); });
+    while (g_bends.refreshing == 0)
+        std::this_thread::yield();
+    g_bends.interfaceLimit = 1;
+    g_bends.reportChanged = true;
+    Capture([&] { system->ForceIp("02:00:00:00:00:09", "127.0.0.9", "255.0.0.0", "0.0.0.0"); });
+    refresh.join();
+    EXPECT_FALSE(g_bends.closedWhileRefreshing);
+    EXPECT_EQ(system->GetInterfaces().size(), 1u);
 }

@@ -1,7 +1,9 @@
+#include "FactorySystem.h"
 #include "FakeDataStream.h"
 #include "buffer/CompressedImageExtendedChunk.h"
 #include "buffer/ImageExtendedChunk.h"
 
+#include <GenTL/OrvanTestControl.h>
 #include <Orvan/ImageFactory.h>
 #include <Orvan/OrvanApi.h>
 
@@ -145,6 +147,25 @@ TEST_F(ImageFactoryTest, CopyAndDestroyFollowThePayloadType) {
                                                      Invalid("Unknown payload type", "Copy"));
 }
 
+TEST_F(ImageFactoryTest, CopyFailingPartWayLeavesNothingAllocated) {
+    // Every buffer property reads, so each copy holds its pixel block by the time it asks for
+    // the pixel format, which does not.
+    FakeDataStream stream;
+    stream.values = {{GenTL::BUFFER_INFO_BASE, reinterpret_cast<uint64_t>(pixels.data())},
+                     {GenTL::BUFFER_INFO_SIZE, 100}};
+    for (int32_t cmd = GenTL::BUFFER_INFO_IS_INCOMPLETE;
+         cmd <= GenTL::BUFFER_INFO_CONTAINS_CHUNKDATA; ++cmd)
+        stream.values.emplace(cmd, 0);
+    stream.values.erase(GenTL::BUFFER_INFO_PIXELFORMAT);
+    void* const handle = reinterpret_cast<void*>(0x9);
+    stream.values[GenTL::BUFFER_INFO_PAYLOADTYPE] = 1;
+    Image image(&stream, handle);
+    EXPECT_THROW(ImageFactory::Copy(&image), GenICam::LogicalErrorException);
+    stream.values[GenTL::BUFFER_INFO_PAYLOADTYPE] = 1001;
+    CompressedImage compressed(&stream, handle);
+    EXPECT_THROW(ImageFactory::CopyCompressedImage(&compressed), GenICam::LogicalErrorException);
+}
+
 TEST_F(ImageFactoryTest, DeviceImagesAreRefusedAndStayUsable) {
     FakeDataStream stream;
     stream.values = {{GenTL::BUFFER_INFO_WIDTH, 640}};
@@ -190,4 +211,58 @@ TEST(ImageFactoryClosed, EveryOperationNeedsAnOpenSystem) {
     };
     for (const auto& row : rows)
         ExpectFailure<GenICam::RuntimeException>(row.operation, row.message);
+}
+
+namespace {
+
+// A virtual camera streaming small images that carry their frame number and CRC as chunks.
+class ChunkImageCopy : public ::testing::Test {
+protected:
+    void SetUp() override {
+        const char* models[] = {"Mono"};
+        OrvanTC_SetVirtualCameras(models, 1, 1);
+        system = OpenSystem();
+        system->UpdateDevices(1000);
+        device = system->CreateDevice(system->GetDevices().at(0));
+        GenApi::INodeMap* nodeMap = device->GetNodeMap();
+        SetNodeValue<int64_t>(nodeMap, "Width", 64);
+        SetNodeValue<int64_t>(nodeMap, "Height", 32);
+        SetNodeValue<bool>(nodeMap, "ChunkModeActive", true);
+        for (const char* chunk : {"CRC", "FrameID"}) {
+            SetNodeValue<GenICam::gcstring>(nodeMap, "ChunkSelector", chunk);
+            SetNodeValue<bool>(nodeMap, "ChunkEnable", true);
+        }
+    }
+
+    void TearDown() override {
+        if (device != nullptr)
+            system->DestroyDevice(device);
+        CloseSystem(system);
+        OrvanTC_Reset();
+    }
+
+    ISystem* system = nullptr;
+    IDevice* device = nullptr;
+};
+
+int64_t FrameChunk(IImage* image) {
+    GenApi::CIntegerPtr frame = image->AsChunkData()->GetChunk("ChunkFrameID");
+    return frame->GetValue();
+}
+
+} // namespace
+
+TEST_F(ChunkImageCopy, CopyReadsItsChunksAfterTheDeviceIsGone) {
+    device->StartStream(2);
+    IImage* delivered = device->GetImage(5000);
+    const int64_t frame = FrameChunk(delivered);
+    FactoryImagePtr copy(ImageFactory::Copy(delivered));
+    device->RequeueBuffer(delivered);
+    device->StopStream();
+    system->DestroyDevice(device);
+    device = nullptr;
+
+    EXPECT_TRUE(copy->VerifyCRC());
+    EXPECT_EQ(FrameChunk(copy.get()), frame);
+    copy.reset(); // the chunk nodes it parsed against go with it
 }

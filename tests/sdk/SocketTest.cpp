@@ -9,6 +9,7 @@
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -141,6 +142,27 @@ std::vector<uint8_t> PixelFormatDatagram(uint64_t pixelFormat) {
     std::vector<uint8_t> datagram(8);
     std::memcpy(datagram.data(), &pixelFormat, 8);
     return datagram;
+}
+
+// This process's descriptor of the socket bound to port, or -1.
+int BoundDescriptor(uint16_t port) {
+    for (int fd = 0; fd < 1024; ++fd) {
+        sockaddr_in address{};
+        socklen_t length = sizeof(address);
+        if (::getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length) == 0 &&
+            address.sin_family == AF_INET && ntohs(address.sin_port) == port)
+            return fd;
+    }
+    return -1;
+}
+
+std::string MessageOf(const std::function<void()>& call) {
+    try {
+        call();
+    } catch (const GenICam::GenericException& e) {
+        return e.GetDescription();
+    }
+    return "no exception";
 }
 
 class SocketTest : public WithOpenSystem {
@@ -296,28 +318,55 @@ TEST_F(SocketTest, DamagedDatagramsGiveNullAndTheNextImageStillArrives) {
     ExpectSameImage(expected, received.get());
 }
 
+TEST_F(SocketTest, FailedReceiveKeepsTheImagesBeforeItAndIsReportedNextTime) {
+    Socket sender;
+    sender.OpenSender();
+    sender.AddDestination(m_port);
+    FakeImage first = Pattern(Orvan::Mono8, 32, 32, 13);
+    FakeImage second = Pattern(Orvan::Mono16, 16, 16, 14);
+    sender.SendImage(&first);
+    sender.SendImage(&second);
+    // A third image stops after its first piece, as from a sender that died mid-image; with a
+    // receive timeout the wait for the rest fails instead of blocking.
+    RawUdp forger;
+    for (const std::vector<uint8_t>& datagram :
+         {Metadata(64, 64, 4096), PixelFormatDatagram(Orvan::Mono8), std::vector<uint8_t>(1024)})
+        forger.SendTo(m_port, datagram);
+    const timeval timeout{0, 200000};
+    ASSERT_EQ(
+        ::setsockopt(BoundDescriptor(m_port), SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof(timeout)),
+        0);
+
+    std::vector<Orvan::IImage*> received;
+    EXPECT_NO_THROW(received = m_receiver.ReceiveImages());
+    ASSERT_EQ(received.size(), 2u);
+    ExpectSameImage(first, received[0]);
+    ExpectSameImage(second, received[1]);
+    for (Orvan::IImage* image : received)
+        Orvan::ImageFactory::Destroy(image);
+    EXPECT_EQ(MessageOf([&] { FactoryImagePtr(m_receiver.ReceiveImage()); }),
+              "RuntimeException: Receive failed: Resource temporarily unavailable (Socket, "
+              "ReceiveImage)");
+    // Reported once: the receiver goes on with the next image.
+    sender.SendImage(&first);
+    FactoryImagePtr next(m_receiver.ReceiveImage());
+    ExpectSameImage(first, next.get());
+}
+
 TEST(SocketErrors, FailuresCarryTheirMessages) {
     Socket socket;
     FakeImage image = Pattern(Orvan::Mono8, 4, 4, 12);
-    auto message = [](const std::function<void()>& call) -> std::string {
-        try {
-            call();
-        } catch (const GenICam::GenericException& e) {
-            return e.GetDescription();
-        }
-        return "no exception";
-    };
-    EXPECT_EQ(message([&] { socket.SendCommand(nullptr); }),
+    EXPECT_EQ(MessageOf([&] { socket.SendCommand(nullptr); }),
               "InvalidArgumentException: Message pointer is null. (Socket, SendCommand)");
-    EXPECT_EQ(message([&] { socket.SendImage(nullptr); }),
+    EXPECT_EQ(MessageOf([&] { socket.SendImage(nullptr); }),
               "InvalidArgumentException: Image is null (Socket, SendImage)");
-    EXPECT_EQ(message([&] { socket.ReceiveImage(); }),
+    EXPECT_EQ(MessageOf([&] { socket.ReceiveImage(); }),
               "RuntimeException: Error receiving from client: Bad file descriptor (Socket, "
               "ReceiveImage)");
     socket.AddDestination(FreePort()); // a destination but no sender
-    EXPECT_EQ(message([&] { socket.SendImage(&image); }),
+    EXPECT_EQ(MessageOf([&] { socket.SendImage(&image); }),
               "RuntimeException: Failed to send metadata: Bad file descriptor (Socket, SendImage)");
-    EXPECT_EQ(message([&] { socket.SendCommand("Stop"); }),
+    EXPECT_EQ(MessageOf([&] { socket.SendCommand("Stop"); }),
               "RuntimeException: Send failed: Bad file descriptor (Socket, SendCommand)");
 
     struct Unreadable : FakeImage {
@@ -325,13 +374,13 @@ TEST(SocketErrors, FailuresCarryTheirMessages) {
         const uint8_t* GetData() override { return nullptr; }
     } unreadable;
     socket.OpenSender();
-    EXPECT_EQ(message([&] { socket.SendImage(&unreadable); }),
+    EXPECT_EQ(MessageOf([&] { socket.SendImage(&unreadable); }),
               "RuntimeException: Send failed: Bad address (Socket, SendImage)");
 
     const uint16_t port = FreePort();
     Socket holder;
     holder.OpenListener(port);
-    EXPECT_EQ(message([&] { socket.OpenListener(port); }),
+    EXPECT_EQ(MessageOf([&] { socket.OpenListener(port); }),
               "RuntimeException: Can't bind socket! Address already in use (Socket, OpenListener)");
 }
 

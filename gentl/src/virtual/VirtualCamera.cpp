@@ -205,10 +205,13 @@ void VirtualCamera::ReplaceIdentity(const DeviceIdentity& identity) {
 void VirtualCamera::SetConnected(bool connected) {
     std::unique_lock<std::mutex> lock(m_mutex);
     m_connected = connected;
-    if (!connected)
-        StopAcquisition();
     m_wake.notify_all();
-    // A frame already on its way is finished; after that nothing reaches the sinks.
+    if (connected)
+        return;
+    StopAcquisition();
+    // A frame already on its way is finished; after that nothing reaches the sinks. Only an
+    // unplug waits: a running stream is busy again the moment it is let go, so a replug that
+    // waited for an idle moment could wait for ever.
     m_wake.wait(lock, [this] {
         return std::none_of(m_streams.begin(), m_streams.end(),
                             [](const StreamState& s) { return s.busy; });
