@@ -3,6 +3,8 @@
 option(ORVAN_WERROR "Treat compiler warnings as errors" OFF)
 option(ORVAN_BUILD_TESTS "Build the GoogleTest suites" ON)
 option(ORVAN_BUILD_BENCH "Build the Google Benchmark programs" ON)
+option(ORVAN_BUILD_GSTREAMER "Build the orvansrc GStreamer plugin when GStreamer is found" ON)
+option(ORVAN_BUILD_PYTHON "Build the orvan Python module when Python, NumPy and pybind11 are found" ON)
 option(ORVAN_BUILD_FUZZ "Build the libFuzzer targets (clang only)" OFF)
 set(ORVAN_SANITIZE "" CACHE STRING "Sanitizers to build with: address,undefined or thread")
 

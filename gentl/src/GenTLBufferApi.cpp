@@ -3,6 +3,7 @@
 #include "ChunkParser.h"
 #include "DataStream.h"
 #include "EntryGuard.h"
+#include "gentl/ForeignCalls.h"
 
 #include <GenTL/GenTL.h>
 
@@ -30,6 +31,8 @@ extern "C" {
 
 GC_ERROR DSGetBufferInfo(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer, BUFFER_INFO_CMD cmd,
                          INFO_DATATYPE* type, void* buffer, size_t* size) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSGetBufferInfo(hDataStream, hBuffer, cmd, type, buffer, size);
     return Guarded(EntryPoint::DSGetBufferInfo, [&] {
         std::shared_ptr<DataStream> stream;
         InfoValue value = GetPool(hDataStream, stream).Inspect(hBuffer, [cmd](StreamBuffer& b) {
@@ -41,6 +44,8 @@ GC_ERROR DSGetBufferInfo(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer, BUFFER_IN
 
 GC_ERROR DSGetBufferChunkData(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer,
                               SINGLE_CHUNK_DATA* chunks, size_t* numChunks) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSGetBufferChunkData(hDataStream, hBuffer, chunks, numChunks);
     return Guarded(EntryPoint::DSGetBufferChunkData, [&] {
         std::shared_ptr<DataStream> stream;
         auto found = GetPool(hDataStream, stream).Inspect(hBuffer, Chunks);
@@ -57,6 +62,8 @@ GC_ERROR DSGetBufferChunkData(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer,
 }
 
 GC_ERROR DSGetNumBufferParts(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer, uint32_t* numParts) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSGetNumBufferParts(hDataStream, hBuffer, numParts);
     return Guarded(EntryPoint::DSGetNumBufferParts, [&] {
         std::shared_ptr<DataStream> stream;
         uint32_t parts = GetPool(hDataStream, stream).Inspect(hBuffer, BufferPartCount);
@@ -68,6 +75,9 @@ GC_ERROR DSGetNumBufferParts(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer, uint3
 GC_ERROR DSGetBufferPartInfo(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer, uint32_t partIndex,
                              BUFFER_PART_INFO_CMD cmd, INFO_DATATYPE* type, void* buffer,
                              size_t* size) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSGetBufferPartInfo(hDataStream, hBuffer, partIndex, cmd, type, buffer,
+                                            size);
     return Guarded(EntryPoint::DSGetBufferPartInfo, [&] {
         std::shared_ptr<DataStream> stream;
         InfoValue value = GetPool(hDataStream, stream).Inspect(hBuffer, [&](StreamBuffer& b) {
@@ -80,6 +90,8 @@ GC_ERROR DSGetBufferPartInfo(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer, uint3
 // Stacked queries answer each entry; the result is the first entry's failure, if any.
 GC_ERROR DSGetBufferInfoStacked(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer,
                                 DS_BUFFER_INFO_STACKED* queries, size_t numQueries) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSGetBufferInfoStacked(hDataStream, hBuffer, queries, numQueries);
     return Guarded(EntryPoint::DSGetBufferInfoStacked, [&] {
         if (numQueries)
             RequirePointer(queries, "queries");
@@ -96,6 +108,8 @@ GC_ERROR DSGetBufferInfoStacked(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer,
 
 GC_ERROR DSGetBufferPartInfoStacked(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer,
                                     DS_BUFFER_PART_INFO_STACKED* queries, size_t numQueries) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSGetBufferPartInfoStacked(hDataStream, hBuffer, queries, numQueries);
     return Guarded(EntryPoint::DSGetBufferPartInfoStacked, [&] {
         if (numQueries)
             RequirePointer(queries, "queries");

@@ -1,6 +1,7 @@
 // Interface-module entry points, with the GigE Vision network extensions.
 #include "EntryGuard.h"
 #include "Interface.h"
+#include "gentl/ForeignCalls.h"
 
 #include <GenTL/GenTL.h>
 #include <GenTL/GenTLExtensions.h>
@@ -19,16 +20,22 @@ namespace GenTL {
 extern "C" {
 
 GC_ERROR IFClose(IF_HANDLE hInterface) {
+    if (Foreign::Is(hInterface))
+        return Foreign::IFClose(hInterface);
     return Guarded(EntryPoint::IFClose, [&] { GetInterface(hInterface)->Close(); });
 }
 
 GC_ERROR IFGetInfo(IF_HANDLE hInterface, INTERFACE_INFO_CMD cmd, INFO_DATATYPE* type, void* buffer,
                    size_t* size) {
+    if (Foreign::Is(hInterface))
+        return Foreign::IFGetInfo(hInterface, cmd, type, buffer, size);
     return Guarded(EntryPoint::IFGetInfo,
                    [&] { GetInterface(hInterface)->Info(cmd).WriteTo(type, buffer, size); });
 }
 
 GC_ERROR IFGetNumDevices(IF_HANDLE hInterface, uint32_t* numDevices) {
+    if (Foreign::Is(hInterface))
+        return Foreign::IFGetNumDevices(hInterface, numDevices);
     return Guarded(EntryPoint::IFGetNumDevices, [&] {
         auto interface = GetInterface(hInterface);
         RequirePointer(numDevices, "numDevices");
@@ -37,11 +44,15 @@ GC_ERROR IFGetNumDevices(IF_HANDLE hInterface, uint32_t* numDevices) {
 }
 
 GC_ERROR IFGetDeviceID(IF_HANDLE hInterface, uint32_t index, char* id, size_t* size) {
+    if (Foreign::Is(hInterface))
+        return Foreign::IFGetDeviceID(hInterface, index, id, size);
     return Guarded(EntryPoint::IFGetDeviceID,
                    [&] { WriteText(GetInterface(hInterface)->DeviceId(index), id, size); });
 }
 
 GC_ERROR IFUpdateDeviceList(IF_HANDLE hInterface, bool8_t* changed, uint64_t timeout) {
+    if (Foreign::Is(hInterface))
+        return Foreign::IFUpdateDeviceList(hInterface, changed, timeout);
     return Guarded(EntryPoint::IFUpdateDeviceList, [&] {
         bool result = GetInterface(hInterface)->UpdateDeviceList(timeout);
         if (changed)
@@ -51,6 +62,8 @@ GC_ERROR IFUpdateDeviceList(IF_HANDLE hInterface, bool8_t* changed, uint64_t tim
 
 GC_ERROR IFGetDeviceInfo(IF_HANDLE hInterface, const char* deviceId, DEVICE_INFO_CMD cmd,
                          INFO_DATATYPE* type, void* buffer, size_t* size) {
+    if (Foreign::Is(hInterface))
+        return Foreign::IFGetDeviceInfo(hInterface, deviceId, cmd, type, buffer, size);
     return Guarded(EntryPoint::IFGetDeviceInfo, [&] {
         auto interface = GetInterface(hInterface);
         RequirePointer(deviceId, "deviceId");
@@ -60,6 +73,8 @@ GC_ERROR IFGetDeviceInfo(IF_HANDLE hInterface, const char* deviceId, DEVICE_INFO
 
 GC_ERROR IFOpenDevice(IF_HANDLE hInterface, const char* deviceId, DEVICE_ACCESS_FLAGS openFlags,
                       DEV_HANDLE* phDevice) {
+    if (Foreign::Is(hInterface))
+        return Foreign::IFOpenDevice(hInterface, deviceId, openFlags, phDevice);
     return Guarded(EntryPoint::IFOpenDevice, [&] {
         auto interface = GetInterface(hInterface);
         RequirePointer(deviceId, "deviceId");
@@ -69,6 +84,8 @@ GC_ERROR IFOpenDevice(IF_HANDLE hInterface, const char* deviceId, DEVICE_ACCESS_
 }
 
 GC_ERROR IFGetParentTL(IF_HANDLE hInterface, TL_HANDLE* phSystem) {
+    if (Foreign::Is(hInterface))
+        return Foreign::IFGetParentTL(hInterface, phSystem);
     return Guarded(EntryPoint::IFGetParentTL, [&] {
         auto interface = GetInterface(hInterface);
         RequirePointer(phSystem, "phSystem");
@@ -78,21 +95,29 @@ GC_ERROR IFGetParentTL(IF_HANDLE hInterface, TL_HANDLE* phSystem) {
 
 GC_ERROR IFForceIp(IF_HANDLE hInterface, uint64_t macAddress, uint32_t ip, uint32_t subnet,
                    uint32_t gateway) {
+    if (Foreign::Is(hInterface))
+        return Foreign::IFForceIp(hInterface, macAddress, ip, subnet, gateway);
     return Guarded(EntryPoint::IFForceIp,
                    [&] { GetInterface(hInterface)->ForceIp(macAddress, ip, subnet, gateway); });
 }
 
 GC_ERROR IFAddUnicastDiscoveryDevice(IF_HANDLE hInterface, uint32_t ip) {
+    if (Foreign::Is(hInterface))
+        return Foreign::IFAddUnicastDiscoveryDevice(hInterface, ip);
     return Guarded(EntryPoint::IFAddUnicastDiscoveryDevice,
                    [&] { GetInterface(hInterface)->AddUnicastDevice(ip); });
 }
 
 GC_ERROR IFRemoveUnicastDiscoveryDevice(IF_HANDLE hInterface, uint32_t ip) {
+    if (Foreign::Is(hInterface))
+        return Foreign::IFRemoveUnicastDiscoveryDevice(hInterface, ip);
     return Guarded(EntryPoint::IFRemoveUnicastDiscoveryDevice,
                    [&] { GetInterface(hInterface)->RemoveUnicastDevice(ip); });
 }
 
 GC_ERROR IFGetUnicastDiscoveryDevices(IF_HANDLE hInterface, uint32_t* ips, uint32_t* count) {
+    if (Foreign::Is(hInterface))
+        return Foreign::IFGetUnicastDiscoveryDevices(hInterface, ips, count);
     return Guarded(EntryPoint::IFGetUnicastDiscoveryDevices, [&] {
         auto interface = GetInterface(hInterface);
         RequirePointer(count, "count");

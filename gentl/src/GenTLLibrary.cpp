@@ -103,6 +103,8 @@ GC_ERROR TLGetInterfaceInfo(TL_HANDLE hSystem, const char* interfaceId, INTERFAC
     return Guarded(EntryPoint::TLGetInterfaceInfo, [&] {
         auto system = Resolve<System>(hSystem, HandleKind::System);
         RequirePointer(interfaceId, "interfaceId");
+        if (system->Foreign().Knows(interfaceId))
+            return system->Foreign().Info(interfaceId, cmd, type, buffer, size);
         system->InterfaceInfo(interfaceId, cmd).WriteTo(type, buffer, size);
     });
 }

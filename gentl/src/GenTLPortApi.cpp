@@ -1,5 +1,6 @@
 // Register-port entry points, for every module and the remote device alike.
 #include "EntryGuard.h"
+#include "gentl/ForeignCalls.h"
 
 #include <GenTL/GenTL.h>
 
@@ -9,6 +10,8 @@ namespace GenTL {
 extern "C" {
 
 GC_ERROR GCReadPort(PORT_HANDLE hPort, uint64_t address, void* buffer, size_t* size) {
+    if (Foreign::Is(hPort))
+        return Foreign::GCReadPort(hPort, address, buffer, size);
     return Guarded(EntryPoint::GCReadPort, [&] {
         auto module = ResolvePort(hPort);
         RequirePointer(buffer, "buffer");
@@ -18,6 +21,8 @@ GC_ERROR GCReadPort(PORT_HANDLE hPort, uint64_t address, void* buffer, size_t* s
 }
 
 GC_ERROR GCWritePort(PORT_HANDLE hPort, uint64_t address, const void* buffer, size_t* size) {
+    if (Foreign::Is(hPort))
+        return Foreign::GCWritePort(hPort, address, buffer, size);
     return Guarded(EntryPoint::GCWritePort, [&] {
         auto module = ResolvePort(hPort);
         RequirePointer(buffer, "buffer");
@@ -27,6 +32,8 @@ GC_ERROR GCWritePort(PORT_HANDLE hPort, uint64_t address, const void* buffer, si
 }
 
 GC_ERROR GCGetPortURL(PORT_HANDLE hPort, char* url, size_t* size) {
+    if (Foreign::Is(hPort))
+        return Foreign::GCGetPortURL(hPort, url, size);
     return Guarded(EntryPoint::GCGetPortURL, [&] {
         auto module = ResolvePort(hPort);
         WriteText(module->GetPort().Description().url, url, size);
@@ -35,6 +42,8 @@ GC_ERROR GCGetPortURL(PORT_HANDLE hPort, char* url, size_t* size) {
 
 GC_ERROR GCGetPortInfo(PORT_HANDLE hPort, PORT_INFO_CMD cmd, INFO_DATATYPE* type, void* buffer,
                        size_t* size) {
+    if (Foreign::Is(hPort))
+        return Foreign::GCGetPortInfo(hPort, cmd, type, buffer, size);
     return Guarded(EntryPoint::GCGetPortInfo, [&] {
         auto module = ResolvePort(hPort);
         module->GetPort().Info(cmd).WriteTo(type, buffer, size);
@@ -42,6 +51,8 @@ GC_ERROR GCGetPortInfo(PORT_HANDLE hPort, PORT_INFO_CMD cmd, INFO_DATATYPE* type
 }
 
 GC_ERROR GCGetNumPortURLs(PORT_HANDLE hPort, uint32_t* numUrls) {
+    if (Foreign::Is(hPort))
+        return Foreign::GCGetNumPortURLs(hPort, numUrls);
     return Guarded(EntryPoint::GCGetNumPortURLs, [&] {
         ResolvePort(hPort);
         RequirePointer(numUrls, "numUrls");
@@ -51,6 +62,8 @@ GC_ERROR GCGetNumPortURLs(PORT_HANDLE hPort, uint32_t* numUrls) {
 
 GC_ERROR GCGetPortURLInfo(PORT_HANDLE hPort, uint32_t urlIndex, URL_INFO_CMD cmd,
                           INFO_DATATYPE* type, void* buffer, size_t* size) {
+    if (Foreign::Is(hPort))
+        return Foreign::GCGetPortURLInfo(hPort, urlIndex, cmd, type, buffer, size);
     return Guarded(EntryPoint::GCGetPortURLInfo, [&] {
         auto module = ResolvePort(hPort);
         module->GetPort().UrlInfo(urlIndex, cmd).WriteTo(type, buffer, size);
@@ -61,6 +74,8 @@ GC_ERROR GCGetPortURLInfo(PORT_HANDLE hPort, uint32_t urlIndex, URL_INFO_CMD cmd
 // succeeded.
 GC_ERROR GCReadPortStacked(PORT_HANDLE hPort, PORT_REGISTER_STACK_ENTRY* entries,
                            size_t* numEntries) {
+    if (Foreign::Is(hPort))
+        return Foreign::GCReadPortStacked(hPort, entries, numEntries);
     return Guarded(EntryPoint::GCReadPortStacked, [&] {
         auto module = ResolvePort(hPort);
         RequirePointer(entries, "entries");
@@ -77,6 +92,8 @@ GC_ERROR GCReadPortStacked(PORT_HANDLE hPort, PORT_REGISTER_STACK_ENTRY* entries
 
 GC_ERROR GCWritePortStacked(PORT_HANDLE hPort, PORT_REGISTER_STACK_ENTRY* entries,
                             size_t* numEntries) {
+    if (Foreign::Is(hPort))
+        return Foreign::GCWritePortStacked(hPort, entries, numEntries);
     return Guarded(EntryPoint::GCWritePortStacked, [&] {
         auto module = ResolvePort(hPort);
         RequirePointer(entries, "entries");

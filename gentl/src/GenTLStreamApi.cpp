@@ -1,6 +1,7 @@
 // Data-stream entry points: buffers, acquisition, stream information and the stream extensions.
 #include "DataStream.h"
 #include "EntryGuard.h"
+#include "gentl/ForeignCalls.h"
 
 #include <GenTL/GenTL.h>
 #include <GenTL/GenTLExtensions.h>
@@ -25,6 +26,8 @@ extern "C" {
 
 GC_ERROR DSAnnounceBuffer(DS_HANDLE hDataStream, void* memory, size_t size, void* userPointer,
                           BUFFER_HANDLE* phBuffer) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSAnnounceBuffer(hDataStream, memory, size, userPointer, phBuffer);
     return Guarded(EntryPoint::DSAnnounceBuffer, [&] {
         auto stream = GetStream(hDataStream);
         RequirePointer(memory, "memory");
@@ -37,6 +40,8 @@ GC_ERROR DSAnnounceBuffer(DS_HANDLE hDataStream, void* memory, size_t size, void
 
 GC_ERROR DSAllocAndAnnounceBuffer(DS_HANDLE hDataStream, size_t size, void* userPointer,
                                   BUFFER_HANDLE* phBuffer) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSAllocAndAnnounceBuffer(hDataStream, size, userPointer, phBuffer);
     return Guarded(EntryPoint::DSAllocAndAnnounceBuffer, [&] {
         auto stream = GetStream(hDataStream);
         RequirePointer(phBuffer, "phBuffer");
@@ -46,11 +51,15 @@ GC_ERROR DSAllocAndAnnounceBuffer(DS_HANDLE hDataStream, size_t size, void* user
 }
 
 GC_ERROR DSFlushQueue(DS_HANDLE hDataStream, ACQ_QUEUE_TYPE operation) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSFlushQueue(hDataStream, operation);
     return Guarded(EntryPoint::DSFlushQueue,
                    [&] { GetStream(hDataStream)->Pool().Flush(operation); });
 }
 
 GC_ERROR DSStartAcquisition(DS_HANDLE hDataStream, ACQ_START_FLAGS flags, uint64_t numToAcquire) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSStartAcquisition(hDataStream, flags, numToAcquire);
     return Guarded(EntryPoint::DSStartAcquisition, [&] {
         auto stream = GetStream(hDataStream);
         if (flags != ACQ_START_FLAGS_DEFAULT)
@@ -64,6 +73,8 @@ GC_ERROR DSStartAcquisition(DS_HANDLE hDataStream, ACQ_START_FLAGS flags, uint64
 }
 
 GC_ERROR DSStopAcquisition(DS_HANDLE hDataStream, ACQ_STOP_FLAGS flags) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSStopAcquisition(hDataStream, flags);
     return Guarded(EntryPoint::DSStopAcquisition, [&] {
         auto stream = GetStream(hDataStream);
         if (flags != ACQ_STOP_FLAGS_DEFAULT && flags != ACQ_STOP_FLAGS_KILL)
@@ -76,11 +87,15 @@ GC_ERROR DSStopAcquisition(DS_HANDLE hDataStream, ACQ_STOP_FLAGS flags) {
 
 GC_ERROR DSGetInfo(DS_HANDLE hDataStream, STREAM_INFO_CMD cmd, INFO_DATATYPE* type, void* buffer,
                    size_t* size) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSGetInfo(hDataStream, cmd, type, buffer, size);
     return Guarded(EntryPoint::DSGetInfo,
                    [&] { GetStream(hDataStream)->Info(cmd).WriteTo(type, buffer, size); });
 }
 
 GC_ERROR DSGetBufferID(DS_HANDLE hDataStream, uint32_t index, BUFFER_HANDLE* phBuffer) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSGetBufferID(hDataStream, index, phBuffer);
     return Guarded(EntryPoint::DSGetBufferID, [&] {
         auto stream = GetStream(hDataStream);
         RequirePointer(phBuffer, "phBuffer");
@@ -89,21 +104,29 @@ GC_ERROR DSGetBufferID(DS_HANDLE hDataStream, uint32_t index, BUFFER_HANDLE* phB
 }
 
 GC_ERROR DSClose(DS_HANDLE hDataStream) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSClose(hDataStream);
     return Guarded(EntryPoint::DSClose, [&] { GetStream(hDataStream)->Close(); });
 }
 
 GC_ERROR DSRevokeBuffer(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer, void** memory,
                         void** userPointer) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSRevokeBuffer(hDataStream, hBuffer, memory, userPointer);
     return Guarded(EntryPoint::DSRevokeBuffer,
                    [&] { GetStream(hDataStream)->Pool().Revoke(hBuffer, memory, userPointer); });
 }
 
 GC_ERROR DSQueueBuffer(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSQueueBuffer(hDataStream, hBuffer);
     return Guarded(EntryPoint::DSQueueBuffer,
                    [&] { GetStream(hDataStream)->Pool().Queue(hBuffer); });
 }
 
 GC_ERROR DSGetParentDev(DS_HANDLE hDataStream, DEV_HANDLE* phDevice) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSGetParentDev(hDataStream, phDevice);
     return Guarded(EntryPoint::DSGetParentDev, [&] {
         auto stream = GetStream(hDataStream);
         RequirePointer(phDevice, "phDevice");
@@ -113,6 +136,8 @@ GC_ERROR DSGetParentDev(DS_HANDLE hDataStream, DEV_HANDLE* phDevice) {
 
 // Buffers of this producer are single contiguous blocks: there are no flows.
 GC_ERROR DSGetNumFlows(DS_HANDLE hDataStream, uint32_t* numFlows) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSGetNumFlows(hDataStream, numFlows);
     return Guarded(EntryPoint::DSGetNumFlows, [&] {
         GetStream(hDataStream);
         RequirePointer(numFlows, "numFlows");
@@ -120,8 +145,10 @@ GC_ERROR DSGetNumFlows(DS_HANDLE hDataStream, uint32_t* numFlows) {
     });
 }
 
-GC_ERROR DSGetFlowInfo(DS_HANDLE hDataStream, uint32_t flowIndex, FLOW_INFO_CMD, INFO_DATATYPE*,
-                       void*, size_t*) {
+GC_ERROR DSGetFlowInfo(DS_HANDLE hDataStream, uint32_t flowIndex, FLOW_INFO_CMD cmd,
+                       INFO_DATATYPE* type, void* buffer, size_t* size) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSGetFlowInfo(hDataStream, flowIndex, cmd, type, buffer, size);
     return Guarded(EntryPoint::DSGetFlowInfo, [&] {
         GetStream(hDataStream);
         throw GenTLError(GC_ERR_INVALID_INDEX,
@@ -130,11 +157,15 @@ GC_ERROR DSGetFlowInfo(DS_HANDLE hDataStream, uint32_t flowIndex, FLOW_INFO_CMD,
 }
 
 GC_ERROR DSWaitForNextLeader(DS_HANDLE hDataStream, uint64_t timeoutMs) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSWaitForNextLeader(hDataStream, timeoutMs);
     return Guarded(EntryPoint::DSWaitForNextLeader,
                    [&] { GetStream(hDataStream)->Pool().WaitLeader(timeoutMs); });
 }
 
 GC_ERROR DSResetWaitForNextLeader(DS_HANDLE hDataStream) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSResetWaitForNextLeader(hDataStream);
     return Guarded(EntryPoint::DSResetWaitForNextLeader,
                    [&] { GetStream(hDataStream)->Pool().ResetLeader(); });
 }
@@ -142,6 +173,9 @@ GC_ERROR DSResetWaitForNextLeader(DS_HANDLE hDataStream) {
 GC_ERROR DSSetupResendRetryParams(DS_HANDLE hDataStream, uint64_t frameCount, double frameRate,
                                   const char* serialNumber, const char* firmwareVersion,
                                   int32_t width, int32_t height) {
+    if (Foreign::Is(hDataStream))
+        return Foreign::DSSetupResendRetryParams(hDataStream, frameCount, frameRate, serialNumber,
+                                                 firmwareVersion, width, height);
     return Guarded(EntryPoint::DSSetupResendRetryParams, [&] {
         auto stream = GetStream(hDataStream);
         DataStream::ResendParameters parameters;

@@ -5,6 +5,8 @@
 #include "HandleRegistry.h"
 #include "System.h"
 #include "VirtualInterfaceBackend.h"
+#include "gentl/GentlSettings.h"
+#include "gentl/ProducerLoader.h"
 #include "gige/GigeInterfaceBackend.h"
 
 namespace Orvan {
@@ -23,6 +25,31 @@ System::Backends MakeBackends() {
     return backends;
 }
 
+// Set while this thread loads other producers. One of them may be a copy of this producer that
+// finds this one on its own path and initialises it: that must fail at once, not wait for the
+// lock this thread holds.
+thread_local bool t_loadingProducers = false;
+
+void RequireNotLoading() {
+    if (t_loadingProducers)
+        throw GenTLError(GenTL::GC_ERR_RESOURCE_IN_USE,
+                         "The producer is loading other producers; none of them may load it");
+}
+
+std::unique_ptr<ForeignInterfaces> LoadForeignProducers() {
+    ProducerLoader loader(System::LibraryPath());
+    t_loadingProducers = true;
+    try {
+        loader.LoadFolders(GentlSettings::Instance().Folders());
+    } catch (...) {
+        t_loadingProducers = false;
+        throw;
+    }
+    t_loadingProducers = false;
+    std::vector<ProducerSkip> skipped = loader.Skipped();
+    return std::make_unique<ForeignInterfaces>(loader.TakeProducers(), std::move(skipped));
+}
+
 } // namespace
 
 Library& Library::Instance() {
@@ -35,6 +62,7 @@ void Library::ThrowNotInitialised() {
 }
 
 void Library::Init() {
+    RequireNotLoading();
     std::lock_guard<std::mutex> lock(m_mutex);
     if (m_initialised.load())
         throw GenTLError(GenTL::GC_ERR_RESOURCE_IN_USE, "The producer is already initialised");
@@ -55,11 +83,12 @@ void Library::Close() {
 }
 
 GenTL::TL_HANDLE Library::OpenSystem() {
+    RequireNotLoading();
     std::lock_guard<std::mutex> lock(m_mutex);
     RequireInit();
     if (m_system)
         throw GenTLError(GenTL::GC_ERR_RESOURCE_IN_USE, "The system module is already open");
-    auto system = System::Create(MakeBackends());
+    auto system = System::Create(MakeBackends(), LoadForeignProducers());
     m_systemHandle = system->Handle();
     m_system = std::move(system);
     return m_systemHandle;

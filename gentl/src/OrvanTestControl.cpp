@@ -6,6 +6,7 @@
 #include "FaultInjector.h"
 #include "Library.h"
 #include "System.h"
+#include "gentl/GentlSettings.h"
 #include "gige/GigeSettings.h"
 
 #include <exception>
@@ -44,6 +45,7 @@ int32_t OrvanTC_SetVirtualCameras(const char* const* models, uint32_t count,
     }
     CameraCatalog::Instance().Configure(std::move(list), interfaceCount);
     GigeSettings::Instance().SetEnabled(false);
+    GentlSettings::Instance().SetForTests("");
     return ORVAN_TC_OK;
 }
 
@@ -87,10 +89,16 @@ int32_t OrvanTC_SetGigEDiscovery(const char* interfaces, uint32_t port) {
     return ORVAN_TC_OK;
 }
 
+int32_t OrvanTC_SetGenTLProducers(const char* folders) {
+    GentlSettings::Instance().SetForTests(folders ? folders : "");
+    return ORVAN_TC_OK;
+}
+
 int32_t OrvanTC_Reset(void) {
     FaultInjector::Instance().DisarmAll();
     CameraCatalog::Instance().Reset();
     GigeSettings::Instance().ResetForTests();
+    GentlSettings::Instance().SetForTests("");
     return ORVAN_TC_OK;
 }
 

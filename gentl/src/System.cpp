@@ -7,6 +7,8 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
+
 namespace Orvan {
 namespace Producer {
 
@@ -15,13 +17,6 @@ namespace {
 const char* const kVendor = "Orvan";
 const char* const kModel = "Orvan GenTL Producer";
 const char* const kVersion = "0.1.104.0";
-
-std::string LibraryPath() {
-    Dl_info info{};
-    if (dladdr(reinterpret_cast<void*>(&System::LibraryInfo), &info) == 0 || !info.dli_fname)
-        return "";
-    return info.dli_fname;
-}
 
 std::string FileName(const std::string& path) {
     size_t slash = path.rfind('/');
@@ -42,8 +37,16 @@ PortIdentity SystemPortIdentity() {
 
 } // namespace
 
-std::shared_ptr<System> System::Create(Backends backends) {
-    std::shared_ptr<System> system(new System(std::move(backends)));
+std::string System::LibraryPath() {
+    Dl_info info{};
+    if (dladdr(reinterpret_cast<void*>(&System::LibraryInfo), &info) == 0 || !info.dli_fname)
+        return "";
+    return info.dli_fname;
+}
+
+std::shared_ptr<System> System::Create(Backends backends,
+                                       std::unique_ptr<ForeignInterfaces> foreign) {
+    std::shared_ptr<System> system(new System(std::move(backends), std::move(foreign)));
     system->m_handle = HandleRegistry::Instance().Add(system, HandleKind::System);
     // Cameras report from their own threads, possibly while the system closes: the weak
     // reference keeps a late report from reaching a module that is gone.
@@ -56,7 +59,8 @@ std::shared_ptr<System> System::Create(Backends backends) {
     return system;
 }
 
-System::System(Backends backends) : m_port(SystemPortIdentity()) {
+System::System(Backends backends, std::unique_ptr<ForeignInterfaces> foreign)
+    : m_foreign(std::move(foreign)), m_port(SystemPortIdentity()) {
     for (auto& backend : backends) {
         Slot slot;
         slot.id = backend->Id();
@@ -83,40 +87,90 @@ void System::Describe() {
     description.Integer("GenTLVersionMajor", [] { return GenTLMajorVersion; });
     description.Integer("GenTLVersionMinor", [] { return GenTLMinorVersion; });
     description.Category("InterfaceEnumeration");
-    description.Command("InterfaceUpdateList", [] {});
-    const int64_t count = static_cast<int64_t>(m_slots.size());
+    description.Command("InterfaceUpdateList", [this] { UpdateInterfaceList(); });
+    DescribeInterfaceSelector(description);
+    DescribeSkippedProducers(description);
+    m_port.Describe(description);
+}
+
+void System::DescribeInterfaceSelector(ModuleDescription& description) {
     description
         .Integer(
             "InterfaceSelector",
             [this] { return static_cast<int64_t>(m_interfaceSelector.load()); },
-            [this, count](int64_t value) {
-                if (value < 0 || value >= count)
+            [this](int64_t value) {
+                if (value < 0 || value >= static_cast<int64_t>(NumInterfaces()))
                     throw GenTLError(GenTL::GC_ERR_INVALID_VALUE, "No interface with that index");
                 m_interfaceSelector.store(static_cast<uint32_t>(value));
             })
-        .Max([count] { return count - 1; })
+        .Max([this] { return static_cast<int64_t>(NumInterfaces()) - 1; })
         .Selects("InterfaceID")
         .Selects("InterfaceDisplayName")
+        .Selects("InterfaceProducer")
         .Selects("GevInterfaceMACAddress")
         .Selects("GevInterfaceDefaultIPAddress")
         .Selects("GevInterfaceDefaultSubnetMask");
-    auto selected = [this]() -> const InterfaceBackend& {
-        return *m_slots.at(m_interfaceSelector.load()).backend;
-    };
-    description.String("InterfaceID", [selected] { return selected().Id(); });
-    description.String("InterfaceDisplayName", [selected] { return selected().DisplayName(); });
+    description.String("InterfaceID", [this] { return SelectedId(); });
+    description.String("InterfaceDisplayName", [this] { return SelectedDisplayName(); });
+    description.String("InterfaceProducer", [this] { return SelectedProducer(); });
     description
         .Integer("GevInterfaceMACAddress",
-                 [selected] { return static_cast<int64_t>(selected().Address().mac); })
+                 [this] { return static_cast<int64_t>(SelectedAddress().mac); })
         .Mac();
-    description
-        .Integer("GevInterfaceDefaultIPAddress", [selected] { return selected().Address().ip; })
+    description.Integer("GevInterfaceDefaultIPAddress", [this] { return SelectedAddress().ip; })
         .Ip();
     description
-        .Integer("GevInterfaceDefaultSubnetMask",
-                 [selected] { return selected().Address().subnet; })
+        .Integer("GevInterfaceDefaultSubnetMask", [this] { return SelectedAddress().subnet; })
         .Ip();
-    m_port.Describe(description);
+}
+
+// The producers of GENICAM_GENTL64_PATH that were not loaded, and why.
+void System::DescribeSkippedProducers(ModuleDescription& description) {
+    const std::vector<ProducerSkip> skipped = m_foreign->Skipped();
+    const int64_t count = static_cast<int64_t>(skipped.size());
+    description.Integer("ProducerSkippedCount", [count] { return count; });
+    description
+        .Integer(
+            "ProducerSkippedSelector",
+            [this] { return static_cast<int64_t>(m_skipSelector.load()); },
+            [this, count](int64_t value) {
+                if (value < 0 || value >= std::max<int64_t>(count, 1))
+                    throw GenTLError(GenTL::GC_ERR_INVALID_VALUE, "No skipped producer there");
+                m_skipSelector.store(static_cast<uint32_t>(value));
+            })
+        .Max([count] { return std::max<int64_t>(count - 1, 0); })
+        .Selects("ProducerSkippedPath")
+        .Selects("ProducerSkippedReason");
+    auto selected = [this, skipped](std::string ProducerSkip::*field) {
+        const uint32_t index = m_skipSelector.load();
+        return index < skipped.size() ? skipped[index].*field : std::string();
+    };
+    description.String("ProducerSkippedPath", [selected] { return selected(&ProducerSkip::path); });
+    description.String("ProducerSkippedReason",
+                       [selected] { return selected(&ProducerSkip::reason); });
+}
+
+std::string System::SelectedId() const {
+    return InterfaceId(m_interfaceSelector.load());
+}
+
+std::string System::SelectedDisplayName() const {
+    const uint32_t index = m_interfaceSelector.load();
+    if (index < m_slots.size())
+        return m_slots[index].backend->DisplayName();
+    return SelectedId();
+}
+
+InterfaceAddress System::SelectedAddress() const {
+    const uint32_t index = m_interfaceSelector.load();
+    return index < m_slots.size() ? m_slots[index].backend->Address() : InterfaceAddress{};
+}
+
+std::string System::SelectedProducer() const {
+    const uint32_t index = m_interfaceSelector.load();
+    if (index < m_slots.size())
+        return LibraryPath();
+    return m_foreign->ProducerPath(index - static_cast<uint32_t>(m_slots.size()));
 }
 
 void System::Close() {
@@ -130,6 +184,7 @@ void System::Close() {
     }
     for (auto& interface : open)
         interface->Close();
+    m_foreign->Close();
     UnregisterAllEvents();
     HandleRegistry::Instance().Remove(m_handle);
 }
@@ -164,11 +219,18 @@ InfoValue System::LibraryInfo(GenTL::TL_INFO_CMD cmd) {
     }
 }
 
+uint32_t System::NumInterfaces() const {
+    return static_cast<uint32_t>(m_slots.size()) + m_foreign->Count();
+}
+
 std::string System::InterfaceId(uint32_t index) const {
-    if (index >= m_slots.size())
+    const uint32_t count = NumInterfaces();
+    if (index >= count)
         throw GenTLError(GenTL::GC_ERR_INVALID_INDEX,
-                         "There are " + std::to_string(m_slots.size()) + " interfaces");
-    return m_slots[index].id;
+                         "There are " + std::to_string(count) + " interfaces");
+    if (index < m_slots.size())
+        return m_slots[index].id;
+    return m_foreign->Id(index - static_cast<uint32_t>(m_slots.size()));
 }
 
 size_t System::SlotIndex(const std::string& id) const {
@@ -186,6 +248,8 @@ GenTL::IF_HANDLE System::OpenInterface(const std::string& id) {
     std::lock_guard<std::mutex> lock(m_mutex);
     if (m_closed)
         throw GenTLError(GenTL::GC_ERR_INVALID_HANDLE, "The system module is closed");
+    if (m_foreign->Knows(id))
+        return m_foreign->Open(id, m_handle);
     Slot& slot = m_slots[SlotIndex(id)];
     if (slot.open)
         throw GenTLError(GenTL::GC_ERR_RESOURCE_IN_USE, "Interface '" + id + "' is already open");

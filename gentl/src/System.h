@@ -5,6 +5,7 @@
 #include "InterfaceBackend.h"
 #include "LocalPort.h"
 #include "Module.h"
+#include "gentl/ForeignInterfaces.h"
 
 #include <atomic>
 #include <memory>
@@ -21,8 +22,10 @@ class System : public Module {
 public:
     using Backends = std::vector<std::shared_ptr<InterfaceBackend>>;
 
-    // The interfaces in the order TLGetInterfaceID lists them.
-    static std::shared_ptr<System> Create(Backends backends);
+    // The interfaces in the order TLGetInterfaceID lists them: the backends', then the foreign
+    // producers'.
+    static std::shared_ptr<System> Create(Backends backends,
+                                          std::unique_ptr<ForeignInterfaces> foreign);
     ~System() override;
 
     GenTL::TL_HANDLE Handle() const { return m_handle; }
@@ -31,13 +34,17 @@ public:
 
     // Library information, also answered before GCInitLib through GCGetInfo.
     static InfoValue LibraryInfo(GenTL::TL_INFO_CMD cmd);
+    // The path of this producer's own library file.
+    static std::string LibraryPath();
 
-    uint32_t NumInterfaces() const { return static_cast<uint32_t>(m_slots.size()); }
+    uint32_t NumInterfaces() const;
     std::string InterfaceId(uint32_t index) const;
     InfoValue InterfaceInfo(const std::string& id, GenTL::INTERFACE_INFO_CMD cmd) const;
     GenTL::IF_HANDLE OpenInterface(const std::string& id);
-    // Interfaces are fixed for the life of the system module; nothing ever changes.
-    bool UpdateInterfaceList() const { return false; }
+    // Our own interfaces are fixed for the life of the system module; the foreign producers'
+    // lists may change.
+    bool UpdateInterfaceList() { return m_foreign->Update(); }
+    ForeignInterfaces& Foreign() { return *m_foreign; }
     // Called by an interface as it closes.
     void Forget(const Interface* closed);
 
@@ -54,16 +61,25 @@ private:
         GenTL::IF_HANDLE handle = nullptr;
     };
 
-    explicit System(Backends backends);
+    System(Backends backends, std::unique_ptr<ForeignInterfaces> foreign);
     void Describe();
+    void DescribeInterfaceSelector(ModuleDescription& description);
+    void DescribeSkippedProducers(ModuleDescription& description);
+    // What the node map shows for the interface InterfaceSelector selects.
+    std::string SelectedId() const;
+    std::string SelectedDisplayName() const;
+    InterfaceAddress SelectedAddress() const;
+    std::string SelectedProducer() const;
     size_t SlotIndex(const std::string& id) const;
 
     mutable std::mutex m_mutex;
     std::vector<Slot> m_slots;
+    const std::unique_ptr<ForeignInterfaces> m_foreign;
     bool m_closed = false;
     GenTL::TL_HANDLE m_handle = nullptr;
     LocalPort m_port;
     std::atomic<uint32_t> m_interfaceSelector{0};
+    std::atomic<uint32_t> m_skipSelector{0};
 };
 
 } // namespace Producer

@@ -122,12 +122,12 @@ void Buffer::SetCallerDataBlock(uint8_t* pData) {
     m_notOwner = true;
 }
 
-void Buffer::FillBufferProps(size_t length) {
+void Buffer::FillBufferProps(size_t length, size_t payloadType) {
     m_sizeFilled = MakeCell(length);
     m_payloadSize = MakeCell(length);
     m_sizeOfBuffer = MakeCell(length);
     m_frameId = MakeCell(uint64_t{0});
-    m_payloadType = MakeCell(PayloadType::kImage);
+    m_payloadType = MakeCell(payloadType);
     m_hasImageData = MakeCell(true);
     m_hasChunkData = MakeCell(false);
     m_isIncomplete = MakeCell(false);

@@ -3,6 +3,8 @@
 #ifndef ORVAN_BUFFER_BUFFER_H
 #define ORVAN_BUFFER_BUFFER_H
 
+#include "PayloadType.h"
+
 #include <Orvan/IBuffer.h>
 
 #include <memory>
@@ -50,7 +52,7 @@ public:
 
 protected:
     // Sets every buffer cell at once, as an image made by the factory sees itself.
-    void FillBufferProps(size_t length);
+    void FillBufferProps(size_t length, size_t payloadType = PayloadType::kImage);
 
 private:
     // The cached value, read from the producer on first use.

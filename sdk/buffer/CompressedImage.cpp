@@ -1,5 +1,6 @@
 #include "CompressedImage.h"
 
+#include "PayloadType.h"
 #include "PropertyCell.h"
 #include "core/ErrorTranslation.h"
 
@@ -39,6 +40,12 @@ uint64_t CompressedImage::GetTimestampNs() {
 
 size_t CompressedImage::GetNumChannels() {
     return Orvan::GetNumChannels(GetPixelFormat());
+}
+
+void FillCompressedImageProps(CompressedImage* pImage, size_t length, uint64_t pixelFormat) {
+    pImage->FillBufferProps(length, PayloadType::kCompressedImage);
+    pImage->m_pixelFormat = MakeCell(pixelFormat);
+    pImage->m_timestampNs = MakeCell(uint64_t{0});
 }
 
 } // namespace Orvan

@@ -25,9 +25,15 @@ public:
     virtual size_t GetNumChannels();
 
 private:
+    friend void FillCompressedImageProps(CompressedImage* pImage, size_t length,
+                                         uint64_t pixelFormat);
     std::unique_ptr<uint64_t> m_pixelFormat;
     std::unique_ptr<uint64_t> m_timestampNs;
 };
+
+// Sets every property of a factory-made compressed image: the sizes to `length`, the format,
+// payload type compressed image, time stamp zero.
+void FillCompressedImageProps(CompressedImage* pImage, size_t length, uint64_t pixelFormat);
 
 } // namespace Orvan
 

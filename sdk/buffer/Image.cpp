@@ -96,4 +96,12 @@ void FillImageProps(Image* pImage, size_t length, size_t width, size_t height,
     pImage->m_pixelEndianness = MakeCell(size_t{0});
 }
 
+std::unique_ptr<Image> NewFactoryImage(size_t width, size_t height, uint64_t pixelFormat) {
+    const size_t length = width * height * Orvan::GetBitsPerPixel(pixelFormat) >> 3;
+    auto image = std::make_unique<Image>();
+    FillImageProps(image.get(), length, width, height, pixelFormat);
+    image->AdoptDataBlock(std::make_unique<uint8_t[]>(length));
+    return image;
+}
+
 } // namespace Orvan

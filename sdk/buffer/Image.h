@@ -58,6 +58,9 @@ private:
 void FillImageProps(Image* pImage, size_t length, size_t width, size_t height,
                     uint64_t pixelFormat);
 
+// A factory image owning a zeroed block of width x height x bits per pixel / 8 bytes.
+std::unique_ptr<Image> NewFactoryImage(size_t width, size_t height, uint64_t pixelFormat);
+
 } // namespace Orvan
 
 #endif

@@ -2,6 +2,7 @@
 
 #include "CompressedImageExtendedChunk.h"
 #include "ImageExtendedChunk.h"
+#include "ImageFactoryChecks.h"
 #include "PayloadType.h"
 #include "core/ErrorTranslation.h"
 #include "core/Orvan.h"
@@ -14,51 +15,9 @@
 
 namespace Orvan {
 
+using namespace ImageFactoryChecks;
+
 namespace {
-
-const char* const kNeverInitialized =
-    "Orvan SDK never initialized, open system (Orvan::OpenSystem) to initialize";
-
-template <class E>
-[[noreturn]] void Fail(const std::string& description, const char* function) {
-    ThrowLibraryError<E>(description, ORVAN_SITE("ImageFactory", function));
-}
-
-void CheckInit(const char* op) {
-    if (!HasImageFactoryInit())
-        Fail<GenICam::RuntimeException>(std::string(kNeverInitialized) + " (" + op + ")",
-                                        "CheckInit");
-}
-
-void CheckParam(const uint8_t* data, const char* op) {
-    if (data == nullptr)
-        Fail<GenICam::InvalidArgumentException>(std::string("Data is null (") + op + ")",
-                                                "CheckParam");
-}
-
-void CheckParam(uint64_t value, const char* op) {
-    if (value == 0)
-        Fail<GenICam::InvalidArgumentException>(std::string("Param is 0 (") + op + ")",
-                                                "CheckParam");
-}
-
-void CheckParam(IBuffer* pImage, const char* op) {
-    if (pImage == nullptr)
-        Fail<GenICam::InvalidArgumentException>(std::string("Image is null (") + op + ")",
-                                                "CheckParam");
-}
-
-void CheckLen(size_t length, size_t expected, const char* op) {
-    if (length != expected)
-        Fail<GenICam::InvalidArgumentException>("Buffer length " + std::to_string(length) +
-                                                    " does not match expected " +
-                                                    std::to_string(expected) + " (" + op + ")",
-                                                "CheckLen");
-}
-
-size_t ExpectedSize(size_t width, size_t height, uint64_t pixelFormat) {
-    return width * height * GetBitsPerPixel(pixelFormat) >> 3;
-}
 
 // The checks shared by every operation that takes caller pixels.
 size_t CheckPixels(const uint8_t* data, size_t size, size_t width, size_t height,

@@ -52,6 +52,9 @@ T GetInfo(TLInterface* iface, const char* deviceId, int32_t cmd) {
     int32_t type = 0;
     size_t size = sizeof(value);
     int32_t status = iface->GetDeviceInfo(deviceId, cmd, &type, &value, &size);
+    // A producer without the item does not have the feature: its default value.
+    if (status == GenTL::GC_ERR_NOT_IMPLEMENTED)
+        return T{};
     // The device and interface queries share the buffer query's description on purpose.
     if (status != GenTL::GC_ERR_SUCCESS)
         ThrowGenTLError(status, "Unable to get buffer information", ORVAN_SITE("System", "GetInfo"),
@@ -68,6 +71,8 @@ T GetInfo(TLInterface* iface, int32_t cmd) {
     int32_t type = 0;
     size_t size = sizeof(value);
     int32_t status = iface->GetInfo(cmd, &type, &value, &size);
+    if (status == GenTL::GC_ERR_NOT_IMPLEMENTED)
+        return T{};
     if (status != GenTL::GC_ERR_SUCCESS)
         ThrowGenTLError(status, "Unable to get buffer information", ORVAN_SITE("System", "GetInfo"),
                         "IFGetInfo");

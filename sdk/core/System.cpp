@@ -341,6 +341,7 @@ void System::AppendDevices(Interface* iface, std::vector<DeviceInfo>& devices) {
         info.m_interfaceIpAddress =
             GetInfo<uint64_t>(tl, GenTL::INTERFACE_INFO_ORVAN_GEV_IP_ADDRESS);
         info.m_deviceVersion = GetInfoString(tl, id, GenTL::DEVICE_INFO_VERSION);
+        info.m_interfaceId = iface->GetId();
         devices.push_back(info);
     }
 }
@@ -350,8 +351,12 @@ GenApi::INodeMap* System::GetTLSystemNodeMap() {
 }
 
 // With the system mutex held: the interface the record's device was found on, recognised by
-// the MAC and IPv4 address the record carries for it.
+// its id, or else by the MAC and IPv4 address the record carries for it.
 Interface* System::FindInterface(const DeviceInfo& info, const char* function) {
+    // Interfaces of other producers have no network address to tell them apart by.
+    for (Interface* iface : m_interfaces)
+        if (!info.m_interfaceId.empty() && iface->GetId() == info.m_interfaceId)
+            return iface;
     for (Interface* iface : m_interfaces) {
         GenApi::INodeMap* nodeMap = iface->GetNodeMap();
         if (!nodeMap)

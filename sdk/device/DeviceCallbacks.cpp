@@ -151,6 +151,15 @@ bool Device::IsConnected() {
     size_t size = sizeof(connected);
     int32_t status =
         m_tlDevice->GetInfo(GenTL::DEVICE_INFO_ORVAN_CONNECTED, &type, &connected, &size);
+    // Another maker's producer does not know our item; it still tells whether the device it
+    // opened for us is reachable.
+    if (status == GenTL::GC_ERR_NOT_IMPLEMENTED) {
+        int32_t access = GenTL::DEVICE_ACCESS_STATUS_UNKNOWN;
+        size = sizeof(access);
+        status = m_tlDevice->GetInfo(GenTL::DEVICE_INFO_ACCESS_STATUS, &type, &access, &size);
+        connected = access == GenTL::DEVICE_ACCESS_STATUS_OPEN_READWRITE ||
+                    access == GenTL::DEVICE_ACCESS_STATUS_OPEN_READONLY;
+    }
     if (status != GenTL::GC_ERR_SUCCESS)
         ThrowGenTLError(status, "Unable to get info about device connection status",
                         CALLBACK_SITE("IsConnected"), "DeviceGetInfo");

@@ -15,6 +15,8 @@ unset ORVAN_VIRTUAL_CAMERAS
 # GigE discovery on no network interface: cameras that other programs on this machine serve
 # must not enter the lists the checks count.
 export ORVAN_GIGE_INTERFACES=
+# Nor may the GenTL producers installed on this machine.
+export ORVAN_GENTL_PRODUCERS=0
 
 failures=0
 fail() {
@@ -77,7 +79,7 @@ group_list() {
     run list
     expect_ok "list"
     expect_out "list" "^VirtualIF0 +127\.0\.0\.1 +255\.0\.0\.0 +02:4f:52:56:00:00$"
-    expect_out "list" "^0 +VirtualMono +OV100000 +Orvan +169\.254\.1\.1 +02:4f:56:01:00:00 +ReadWrite$"
+    expect_out "list" "^0 +VirtualMono +OV100000 +Orvan +169\.254\.1\.1 +02:4f:56:01:00:00 +ReadWrite +libOrvanGenTL\S*$"
 
     export ORVAN_VIRTUAL_CAMERAS="Mono,NoSuchModel,Color,LineScan"
     run list

@@ -83,8 +83,18 @@ GC_IMPORT_EXPORT int32_t OrvanTC_EnableGigE(int32_t enabled);
 GC_IMPORT_EXPORT int32_t OrvanTC_SetGigEDiscovery(const char* interfaces, uint32_t port);
 
 /*
+ * Other GenTL producers. Outside test control the producer loads, at TLOpen, every .cti file in
+ * the folders of GENICAM_GENTL64_PATH (none when ORVAN_GENTL_PRODUCERS=0) and lists their
+ * interfaces after its own. A process under test control loads none: OrvanTC_SetVirtualCameras
+ * and OrvanTC_Reset switch them off, and this function names the folders (colon-separated)
+ * to load from instead of the environment; null or empty switches them off. Takes effect at the
+ * next TLOpen.
+ */
+GC_IMPORT_EXPORT int32_t OrvanTC_SetGenTLProducers(const char* folders);
+
+/*
  * Disarms every injected call failure, restores the default cameras and the GigE Vision
- * settings, and switches the network interfaces off.
+ * settings, and switches the network interfaces and the other producers off.
  */
 GC_IMPORT_EXPORT int32_t OrvanTC_Reset(void);
 

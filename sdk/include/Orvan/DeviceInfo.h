@@ -35,6 +35,9 @@ public:
     GenICam::gcstring DeviceId() const { return m_deviceId; }
     uint64_t InterfaceMacAddress() const { return m_interfaceMacAddress; }
     uint64_t InterfaceIpAddress() const { return m_interfaceIpAddress; }
+    // The id of that interface; another producer's interfaces carry its name in front
+    // ("<producer>::<its own id>").
+    GenICam::gcstring InterfaceId() const { return m_interfaceId; }
 
 private:
     friend class System;
@@ -54,6 +57,7 @@ private:
     uint64_t m_interfaceIpAddress = 0;
     GenICam::gcstring m_deviceVersion;
     GenICam::gcstring m_deviceId;
+    GenICam::gcstring m_interfaceId;
 };
 
 } // namespace Orvan

@@ -6,6 +6,7 @@
 #include <Orvan/ALogger.h>
 #include <Orvan/CalculateMaximumNumberOfBuffers.h>
 #include <Orvan/Crc32.h>
+#include <Orvan/DemosaicMethod.h>
 #include <Orvan/DeviceInfo.h>
 #include <Orvan/FeatureStream.h>
 #include <Orvan/GenApiCustom.h>

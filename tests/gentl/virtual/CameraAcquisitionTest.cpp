@@ -1,8 +1,8 @@
 #include "CameraTestSupport.h"
 
+#include "QoiCodec.h"
 #include "virtual/CameraFeatures.h"
 #include "virtual/Crc32.h"
-#include "virtual/QoiCodec.h"
 #include "virtual/TestPattern.h"
 #include "virtual/VirtualPixelFormats.h"
 
@@ -245,8 +245,8 @@ TEST(CameraAcquisition, CompressedPayloadsDecodeToThePicture) {
             const uint32_t channels = std::string(format) == "QOI_Mono8" ? 1 : 3;
             std::vector<uint8_t> pixels;
             uint32_t width = 0, height = 0;
-            ASSERT_TRUE(
-                DecodeQoiAs(frame.bytes.data(), streamBytes, channels, pixels, width, height));
+            ASSERT_TRUE(Orvan::DecodeQoiAs(frame.bytes.data(), streamBytes, channels, pixels, width,
+                                           height));
             EXPECT_EQ(width, 64u);
             EXPECT_EQ(height, 32u);
             EXPECT_TRUE(MatchesTestPattern(channels == 1 ? 0x01080001 : 0x02180014, width, height,

@@ -1,4 +1,4 @@
-#include "virtual/QoiCodec.h"
+#include "QoiCodec.h"
 #include "virtual/VirtualPixelFormats.h"
 
 #include <gtest/gtest.h>
@@ -7,6 +7,7 @@
 
 namespace {
 
+using namespace Orvan;
 using namespace Orvan::Producer;
 
 // Smooth areas, runs and noise, so every QOI operation appears.

@@ -10,7 +10,6 @@
 #include <qoi.h>
 
 namespace Orvan {
-namespace Producer {
 
 namespace {
 
@@ -107,5 +106,4 @@ bool DecodeQoiAs(const uint8_t* data, size_t size, uint32_t channels, std::vecto
     return true;
 }
 
-} // namespace Producer
 } // namespace Orvan

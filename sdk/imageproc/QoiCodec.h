@@ -1,14 +1,14 @@
-// QOI streams for the compressed-image camera (payload types 1001/1002), built on Debian's
-// header-only QOI library.
-#ifndef ORVAN_GENTL_VIRTUAL_QOICODEC_H
-#define ORVAN_GENTL_VIRTUAL_QOICODEC_H
+// QOI streams of compressed images (payload types 1001/1002), built on Debian's header-only QOI
+// library: one implementation for the image factory and for the producer's compressed-image
+// camera, so that what one writes the other reads.
+#ifndef ORVAN_IMAGEPROC_QOICODEC_H
+#define ORVAN_IMAGEPROC_QOICODEC_H
 
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 namespace Orvan {
-namespace Producer {
 
 // channels: 1 (grey), 3 (RGB) or 4 (RGBA), 8 bits each, rows without padding. QOI itself knows
 // only 3 and 4 channels, so grey travels as RGB with equal components. Empty on failure (bad
@@ -26,7 +26,6 @@ bool DecodeQoi(const uint8_t* data, size_t size, std::vector<uint8_t>& pixels, u
 bool DecodeQoiAs(const uint8_t* data, size_t size, uint32_t channels, std::vector<uint8_t>& pixels,
                  uint32_t& width, uint32_t& height);
 
-} // namespace Producer
 } // namespace Orvan
 
 #endif
