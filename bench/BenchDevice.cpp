@@ -9,6 +9,7 @@
 // Streaming: the argument is the duration in seconds. Five keep a run short; register the
 // benchmark with Arg(30) for the full soak. Lost images come from the stream's own counter
 // and, independently, from gaps in the frame ids.
+#include "FastCamera.h"
 #include "ProducerStream.h"
 #include "core/DeviceDescription.h"
 #include "core/Port.h"
@@ -40,16 +41,6 @@ struct Frame {
 
 constexpr Frame kSmall{64, 64};
 constexpr Frame kTwelveMegapixel{4096, 3000};
-
-// As fast as the camera can draw: Mono8, the shortest exposure, no link or frame-rate limit.
-void MakeFast(GenApi::INodeMap* nodeMap, const Frame& frame) {
-    Orvan::SetNodeValue<GenICam::gcstring>(nodeMap, "PixelFormat", "Mono8");
-    Orvan::SetNodeValue<int64_t>(nodeMap, "Width", frame.width);
-    Orvan::SetNodeValue<int64_t>(nodeMap, "Height", frame.height);
-    Orvan::SetNodeValue<double>(nodeMap, "ExposureTime", 1.0);
-    Orvan::SetNodeValue<GenICam::gcstring>(nodeMap, "DeviceLinkThroughputLimitMode", "Off");
-    Orvan::SetNodeValue<bool>(nodeMap, "AcquisitionFrameRateEnable", false);
-}
 
 // The camera's own features over a plain GenTL device handle, so that the producer baseline
 // configures the camera exactly as the SDK run does without going through the SDK's device.
@@ -89,7 +80,7 @@ void BM_ProducerHandOff(benchmark::State& state) {
     {
         Bench::ProducerStream stream;
         RemoteFeatures camera(stream.Device());
-        MakeFast(camera.NodeMap(), kSmall);
+        Bench::MakeFast(camera.NodeMap(), kSmall.width, kSmall.height);
         stream.Start(kBuffers, kSmall.Bytes());
         GenApi::CCommandPtr(camera.NodeMap()->GetNode("AcquisitionStart"))->Execute();
         for (auto _ : state) {
@@ -112,7 +103,7 @@ public:
         m_system = Orvan::OpenSystem();
         m_system->UpdateDevices(1000);
         m_device = m_system->CreateDevice(m_system->GetDevices().at(0));
-        MakeFast(m_device->GetNodeMap(), frame);
+        Bench::MakeFast(m_device->GetNodeMap(), frame.width, frame.height);
     }
     OpenDevice(const OpenDevice&) = delete;
     OpenDevice& operator=(const OpenDevice&) = delete;

@@ -5,6 +5,8 @@
 // The element hands the camera's buffers downstream without copying. The "pool_addresses"
 // counter shows it: the sink sees exactly as many distinct pixel addresses as the pool has
 // buffers, cycling through them; a copy would show the allocator's addresses instead.
+#include "FastCamera.h"
+
 #include <GenTL/OrvanTestControl.h>
 #include <Orvan/OrvanApi.h>
 #include <benchmark/benchmark.h>
@@ -27,21 +29,12 @@ void UseOneMonoCamera() {
     OrvanTC_SetVirtualCameras(models, 1, 1);
 }
 
-void ApplyFeatures(GenApi::INodeMap* nodeMap) {
-    Orvan::SetNodeValue<GenICam::gcstring>(nodeMap, "PixelFormat", "Mono8");
-    Orvan::SetNodeValue<int64_t>(nodeMap, "Width", 4096);
-    Orvan::SetNodeValue<int64_t>(nodeMap, "Height", 3000);
-    Orvan::SetNodeValue<double>(nodeMap, "ExposureTime", 1.0);
-    Orvan::SetNodeValue<GenICam::gcstring>(nodeMap, "DeviceLinkThroughputLimitMode", "Off");
-    Orvan::SetNodeValue<bool>(nodeMap, "AcquisitionFrameRateEnable", false);
-}
-
 void BM_GetImageLoop(benchmark::State& state) {
     UseOneMonoCamera();
     Orvan::ISystem* system = Orvan::OpenSystem();
     system->UpdateDevices(1000);
     Orvan::IDevice* device = system->CreateDevice(system->GetDevices().at(0));
-    ApplyFeatures(device->GetNodeMap());
+    Bench::MakeFast(device->GetNodeMap());
     device->StartStream(kPool);
     for (auto _ : state) {
         Orvan::IImage* image = device->GetImage(kWaitMs);

@@ -2,6 +2,7 @@
 // transport in one run: a copy of this producer is loaded as another producer, and the same
 // camera model is reached behind it. Beside the streams, the cost of one producer call
 // forwarded through the bridge against the same call made directly.
+#include "FastCamera.h"
 #include <GenTL/GenTL.h>
 #include <GenTL/OrvanTestControl.h>
 #include <Orvan/GenApiCustom.h>
@@ -36,16 +37,6 @@ const char* Route(const benchmark::State& state) {
     return state.range(0) == 0 ? "direct" : "bridge";
 }
 
-// The full 12-megapixel sensor in Mono8, as fast as the camera draws.
-void MakeFast(GenApi::INodeMap* nodeMap) {
-    Orvan::SetNodeValue<GenICam::gcstring>(nodeMap, "PixelFormat", "Mono8");
-    Orvan::SetNodeValue<int64_t>(nodeMap, "Width", 4096);
-    Orvan::SetNodeValue<int64_t>(nodeMap, "Height", 3000);
-    Orvan::SetNodeValue<double>(nodeMap, "ExposureTime", 1.0);
-    Orvan::SetNodeValue<GenICam::gcstring>(nodeMap, "DeviceLinkThroughputLimitMode", "Off");
-    Orvan::SetNodeValue<bool>(nodeMap, "AcquisitionFrameRateEnable", false);
-}
-
 void BM_Stream12MP(benchmark::State& state) {
     ChooseCameras();
     Orvan::ISystem* system = Orvan::OpenSystem();
@@ -55,7 +46,7 @@ void BM_Stream12MP(benchmark::State& state) {
     for (const Orvan::DeviceInfo& info : system->GetDevices())
         if (info.InterfaceId() == interfaceId.c_str())
             device = system->CreateDevice(info);
-    MakeFast(device->GetNodeMap());
+    Bench::MakeFast(device->GetNodeMap());
     device->StartStream(kBuffers);
     for (auto _ : state) {
         Orvan::IImage* image = device->GetImage(kWaitMs);
