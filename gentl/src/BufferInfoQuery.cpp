@@ -92,46 +92,43 @@ InfoValue QueryBufferInfo(const StreamBuffer& buffer, GenTL::BUFFER_INFO_CMD cmd
 }
 
 uint32_t BufferPartCount(const StreamBuffer& buffer) {
-    return IsMultipart(buffer) ? buffer.frame.partCount : 0;
+    return IsMultipart(buffer) ? static_cast<uint32_t>(buffer.frame.parts.size()) : 0;
 }
 
-InfoValue QueryBufferPartInfo(const StreamBuffer& buffer, uint32_t part,
+InfoValue QueryBufferPartInfo(const StreamBuffer& buffer, uint32_t index,
                               GenTL::BUFFER_PART_INFO_CMD cmd) {
-    const FrameInfo& frame = buffer.frame;
-    if (part >= BufferPartCount(buffer) || part >= frame.partSizes.size())
+    if (index >= BufferPartCount(buffer))
         throw GenTLError(GenTL::GC_ERR_INVALID_INDEX,
                          "The buffer holds " + std::to_string(BufferPartCount(buffer)) + " parts");
-    uint64_t offset = 0;
-    for (uint32_t i = 0; i < part; ++i)
-        offset += frame.partSizes[i];
-    // Parts are laid out one after another; each is one frame of the stream's format.
+    const FramePart& part = buffer.frame.parts[index];
     switch (cmd) {
     case GenTL::BUFFER_PART_INFO_BASE:
-        return InfoValue::Ptr(buffer.base + std::min<uint64_t>(offset, buffer.size));
+        return InfoValue::Ptr(buffer.base + std::min<uint64_t>(part.offset, buffer.size));
     case GenTL::BUFFER_PART_INFO_DATA_SIZE:
-        return InfoValue::SizeT(frame.partSizes[part]);
+        return InfoValue::SizeT(part.size);
     case GenTL::BUFFER_PART_INFO_DATA_TYPE:
-        return InfoValue::SizeT(GenTL::PART_DATATYPE_2D_IMAGE);
+        return InfoValue::SizeT(static_cast<size_t>(part.dataType));
     case GenTL::BUFFER_PART_INFO_DATA_FORMAT:
-        return InfoValue::UInt64(frame.pixelFormat);
+        return InfoValue::UInt64(part.format);
     case GenTL::BUFFER_PART_INFO_DATA_FORMAT_NAMESPACE:
         return InfoValue::UInt64(kPfncNamespace);
     case GenTL::BUFFER_PART_INFO_WIDTH:
-        return InfoValue::SizeT(frame.width);
+        return InfoValue::SizeT(part.width);
     case GenTL::BUFFER_PART_INFO_HEIGHT:
     case GenTL::BUFFER_PART_INFO_DELIVERED_IMAGEHEIGHT:
-        return InfoValue::SizeT(frame.height);
+        return InfoValue::SizeT(part.height);
     case GenTL::BUFFER_PART_INFO_XOFFSET:
-        return InfoValue::SizeT(frame.offsetX);
+        return InfoValue::SizeT(part.offsetX);
     case GenTL::BUFFER_PART_INFO_YOFFSET:
-        return InfoValue::SizeT(frame.offsetY);
+        return InfoValue::SizeT(part.offsetY);
     case GenTL::BUFFER_PART_INFO_XPADDING:
-        return InfoValue::SizeT(frame.paddingX);
+        return InfoValue::SizeT(part.paddingX);
     case GenTL::BUFFER_PART_INFO_SOURCE_ID:
+        return InfoValue::UInt64(part.sourceId);
     case GenTL::BUFFER_PART_INFO_REGION_ID:
-        return InfoValue::UInt64(part);
+        return InfoValue::UInt64(part.regionId);
     case GenTL::BUFFER_PART_INFO_DATA_PURPOSE_ID:
-        return InfoValue::UInt64(0);
+        return InfoValue::UInt64(part.purposeId);
     default:
         throw GenTLError(GenTL::GC_ERR_INVALID_PARAMETER,
                          "Unknown buffer part info command " + std::to_string(cmd));

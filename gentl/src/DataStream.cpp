@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <thread>
+#include <type_traits>
 
 namespace Orvan {
 namespace Producer {
@@ -159,7 +161,65 @@ void DataStream::Describe() {
         .Custom();
     description.Integer("StreamResendImageHeight", [this] { return GetResendParameters().height; })
         .Custom();
+    DescribeReceive(description);
     m_port.Describe(description);
+}
+
+// The receive path and the receiving thread's placement as asked for (from the next start), and
+// as the last start got them.
+void DataStream::DescribeReceive(ModuleDescription& description) {
+    auto wanted = [this](auto member) {
+        return [this, member] {
+            std::lock_guard<std::mutex> lock(m_settingsMutex);
+            return static_cast<int64_t>(m_receive.*member);
+        };
+    };
+    auto change = [this](auto member) {
+        return [this, member](int64_t value) {
+            std::lock_guard<std::mutex> lock(m_settingsMutex);
+            using Value = std::remove_reference_t<decltype(m_receive.*member)>;
+            m_receive.*member = static_cast<Value>(value);
+        };
+    };
+    auto inUse = [this](auto member) {
+        return [this, member] {
+            ReceiveSettings used;
+            m_camera->GetReceiveInUse(m_index, used);
+            return static_cast<int64_t>(used.*member);
+        };
+    };
+    const auto lastCore = [] { return int64_t{std::thread::hardware_concurrency()} - 1; };
+    auto changeCore = [setCore = change(&ReceiveSettings::core), lastCore](int64_t core) {
+        if (core < -1 || core > lastCore())
+            throw GenTLError(GenTL::GC_ERR_INVALID_VALUE,
+                             "The receive thread's core is -1 (any) or one of the machine's");
+        setCore(core);
+    };
+    const std::vector<std::pair<std::string, int64_t>> priorities = {{"Normal", 0},
+                                                                     {"RealTime", 1}};
+    description.Category("StreamReceive");
+    description
+        .Enumeration("StreamReceivePath",
+                     {{"Auto", 0}, {"Socket", 1}, {"PacketRing", 2}, {"Xdp", 3}},
+                     wanted(&ReceiveSettings::path), change(&ReceiveSettings::path))
+        .Custom();
+    description
+        .Enumeration("StreamReceivePathInUse",
+                     {{"None", 0}, {"Socket", 1}, {"PacketRing", 2}, {"Xdp", 3}},
+                     inUse(&ReceiveSettings::path))
+        .Custom();
+    description.Integer("StreamReceiveThreadCore", wanted(&ReceiveSettings::core), changeCore)
+        .Max(lastCore)
+        .Custom();
+    description.Integer("StreamReceiveThreadCoreInUse", inUse(&ReceiveSettings::core)).Custom();
+    description
+        .Enumeration("StreamReceiveThreadPriority", priorities, wanted(&ReceiveSettings::priority),
+                     change(&ReceiveSettings::priority))
+        .Custom();
+    description
+        .Enumeration("StreamReceiveThreadPriorityInUse", priorities,
+                     inUse(&ReceiveSettings::priority))
+        .Custom();
 }
 
 void DataStream::Close() {
@@ -197,6 +257,12 @@ void DataStream::Start(uint64_t frameLimit) {
         if (parent->AccessStatus() == GenTL::DEVICE_ACCESS_STATUS_NOACCESS)
             throw GenTLError(GenTL::GC_ERR_ACCESS_DENIED, "The device was opened without access");
     }
+    ReceiveSettings receive;
+    {
+        std::lock_guard<std::mutex> settings(m_settingsMutex);
+        receive = m_receive;
+    }
+    m_camera->ConfigureReceive(m_index, receive);
     m_pool->Start(frameLimit);
     GenTL::GC_ERROR status = m_camera->StartStream(m_index, this, frameLimit);
     if (status != GenTL::GC_ERR_SUCCESS) {

@@ -63,6 +63,7 @@ protected:
 private:
     DataStream(std::shared_ptr<RemoteDevice> camera, uint32_t index);
     void Describe();
+    void DescribeReceive(ModuleDescription& description);
 
     const std::shared_ptr<RemoteDevice> m_camera;
     const uint32_t m_index;
@@ -77,6 +78,7 @@ private:
     bool m_closed = false;     // guarded by m_controlMutex
     mutable std::mutex m_settingsMutex;
     ResendParameters m_resend;
+    ReceiveSettings m_receive; // handed to the camera at every start
     std::atomic<int64_t> m_multipartParts{1};
     std::atomic<int64_t> m_evsFormat{0};
     std::atomic<int64_t> m_evsBitDepth{8};

@@ -40,6 +40,22 @@ struct FillSlot {
     void* token = nullptr; // the stream module's own reference; the camera never touches it
 };
 
+// One part of a multi-part buffer (the BUFFER_PART_INFO_* values).
+struct FramePart {
+    uint64_t offset = 0; // from the start of the buffer
+    uint64_t size = 0;
+    int32_t dataType = GenTL::PART_DATATYPE_2D_IMAGE;
+    uint64_t format = 0; // PFNC code of image data
+    uint64_t width = 0;
+    uint64_t height = 0;
+    uint64_t offsetX = 0;
+    uint64_t offsetY = 0;
+    uint64_t paddingX = 0;
+    uint64_t sourceId = 0;
+    uint64_t regionId = 0;
+    uint64_t purposeId = 0;
+};
+
 // What a camera tells the stream about a filled buffer (the BUFFER_INFO_* values).
 struct FrameInfo {
     uint64_t frameId = 0;
@@ -60,8 +76,7 @@ struct FrameInfo {
     bool incomplete = false;
     bool dataLargerThanBuffer = false;
     bool containsChunkData = false;
-    uint32_t partCount = 0; // multipart payloads: parts laid out one after the other
-    std::vector<uint64_t> partSizes;
+    std::vector<FramePart> parts; // multi-part payloads
 };
 
 // How a network stream asks for lost packets again (DSSetupResendRetryParams tunes it; the
@@ -77,6 +92,21 @@ struct ResendSettings {
     // A frame whose packets have not all arrived this long after its trailer (or after the
     // leader of a later frame) is delivered flagged incomplete.
     uint32_t frameTimeoutUs = 100000;
+};
+
+// How a network stream's packets reach the host and where its receiving thread runs (the
+// stream's node map chooses them; they apply from the next acquisition start).
+enum class ReceivePath : int64_t {
+    Auto = 0,       // AF_XDP where the driver runs it, else the packet ring, else the socket
+    Socket = 1,     // the UDP socket, datagrams fetched in batches
+    PacketRing = 2, // a memory-mapped ring the kernel fills with this stream's packets
+    Xdp = 3         // AF_XDP sockets the interface's XDP program hands this stream's packets to
+};
+enum class ThreadPriority : int64_t { Normal = 0, RealTime = 1 };
+struct ReceiveSettings {
+    ReceivePath path = ReceivePath::Auto;
+    int32_t core = -1; // -1: wherever the scheduler puts it
+    ThreadPriority priority = ThreadPriority::Normal;
 };
 
 // Transport counters of a network stream, shown in the stream's node map.
@@ -165,6 +195,12 @@ public:
     // Network streams only; the defaults fit cameras without a packet transport.
     virtual void ConfigureResend(uint32_t /*index*/, const ResendSettings& /*settings*/) {}
     virtual bool GetStreamStatistics(uint32_t /*index*/, StreamStatistics& /*out*/) const {
+        return false;
+    }
+    virtual void ConfigureReceive(uint32_t /*index*/, const ReceiveSettings& /*settings*/) {}
+    // What the stream's last start obtained: the path Auto chose (Auto: never started), and
+    // -1 or Normal where pinning or the priority were refused.
+    virtual bool GetReceiveInUse(uint32_t /*index*/, ReceiveSettings& /*out*/) const {
         return false;
     }
 

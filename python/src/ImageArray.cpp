@@ -12,6 +12,8 @@ namespace py = pybind11;
 namespace OrvanPy {
 namespace {
 
+using Npy = py::detail::npy_api;
+
 struct Keeper {
     std::shared_ptr<ImageSource> source;
 };
@@ -30,47 +32,66 @@ py::capsule KeepAlive(const std::shared_ptr<ImageSource>& source) {
     });
 }
 
-py::dtype SampleType(const PixelLayout& layout) {
+int SampleType(const PixelLayout& layout) {
     if (layout.floating)
-        return py::dtype("float32");
+        return Npy::NPY_FLOAT_;
     switch (layout.sampleBytes) {
     case 2:
-        return py::dtype::of<uint16_t>();
+        return Npy::NPY_USHORT_;
     case 4:
-        return py::dtype::of<uint32_t>();
+        return Npy::NPY_UINT_;
     default:
-        return py::dtype::of<uint8_t>();
+        return Npy::NPY_UBYTE_;
     }
 }
 
-std::vector<py::ssize_t> Shape(size_t height, size_t width, size_t channels) {
-    if (channels == 1)
-        return {py::ssize_t(height), py::ssize_t(width)};
-    return {py::ssize_t(height), py::ssize_t(width), py::ssize_t(channels)};
+// Rows, columns and, beyond one channel, channels: as NumPy wants shapes and strides.
+struct Geometry {
+    int dimensions = 1;
+    Py_intptr_t shape[3] = {};
+    Py_intptr_t strides[3] = {};
+};
+
+Geometry Pixels(size_t height, size_t width, size_t channels, size_t sampleBytes, size_t rowBytes) {
+    Geometry g;
+    g.dimensions = channels == 1 ? 2 : 3;
+    g.shape[0] = Py_intptr_t(height);
+    g.shape[1] = Py_intptr_t(width);
+    g.shape[2] = Py_intptr_t(channels);
+    g.strides[0] = Py_intptr_t(rowBytes);
+    g.strides[1] = Py_intptr_t(channels * sampleBytes);
+    g.strides[2] = Py_intptr_t(sampleBytes);
+    return g;
 }
 
-py::array ReadOnly(py::array array) {
-    py::detail::array_proxy(array.ptr())->flags &= ~py::detail::npy_api::NPY_ARRAY_WRITEABLE_;
+// Built through NumPy's own constructor: this runs for every image, and the generic
+// pybind11::array constructor allocates its shape and strides on the heap.
+py::array NewArray(int type, const Geometry& g, const void* data, bool writable,
+                   py::capsule keeper) {
+    Npy& api = Npy::get();
+    PyObject* made = api.PyArray_NewFromDescr_(
+        api.PyArray_Type_, api.PyArray_DescrFromType_(type), g.dimensions,
+        const_cast<Py_intptr_t*>(g.shape), const_cast<Py_intptr_t*>(g.strides),
+        const_cast<void*>(data), writable ? Npy::NPY_ARRAY_WRITEABLE_ : 0, nullptr);
+    if (made == nullptr)
+        throw py::error_already_set();
+    auto array = py::reinterpret_steal<py::array>(made);
+    if (api.PyArray_SetBaseObject_(made, keeper.release().ptr()) != 0)
+        throw py::error_already_set();
     return array;
 }
 
-py::array Raw(Orvan::IImage* image, py::capsule keeper) {
-    const py::ssize_t size = py::ssize_t(image->GetSizeFilled());
-    return py::array(py::dtype::of<uint8_t>(), {size}, {py::ssize_t(1)}, image->GetData(), keeper);
+Geometry Raw(Orvan::IImage* image) {
+    Geometry g;
+    g.shape[0] = Py_intptr_t(image->GetSizeFilled());
+    g.strides[0] = 1;
+    return g;
 }
 
-py::array Direct(Orvan::IImage* image, const PixelLayout& layout, py::capsule keeper) {
-    const size_t width = image->GetWidth();
-    const size_t height = image->GetHeight();
-    const size_t pixelBytes = layout.channels * layout.sampleBytes;
-    const size_t rowBytes = width * pixelBytes + image->GetPaddingX();
-    if (height == 0 || rowBytes * (height - 1) + width * pixelBytes > image->GetSizeFilled())
-        return Raw(image, keeper);
-    std::vector<py::ssize_t> strides = {py::ssize_t(rowBytes), py::ssize_t(pixelBytes)};
-    if (layout.channels > 1)
-        strides.push_back(py::ssize_t(layout.sampleBytes));
-    return py::array(SampleType(layout), Shape(height, width, layout.channels), strides,
-                     image->GetData(), keeper);
+// Pixels that do not fit in the bytes filled (a short, incomplete image) come as raw bytes.
+bool Fits(const Geometry& g, size_t filled) {
+    const size_t lastRow = size_t(g.strides[1] * g.shape[1]);
+    return g.shape[0] > 0 && size_t(g.strides[0] * (g.shape[0] - 1)) + lastRow <= filled;
 }
 
 } // namespace
@@ -78,9 +99,16 @@ py::array Direct(Orvan::IImage* image, const PixelLayout& layout, py::capsule ke
 py::array PyImage::View(bool writable) const {
     Orvan::IImage* image = Get();
     const PixelLayout layout = LayoutOf(image->GetPixelFormat());
-    py::array array = layout.packing == Packing::None ? Direct(image, layout, KeepAlive(m_source))
-                                                      : Raw(image, KeepAlive(m_source));
-    return writable ? array : ReadOnly(array);
+    const void* data = image->GetData();
+    if (layout.packing == Packing::None) {
+        const size_t width = image->GetWidth();
+        const size_t pixelBytes = layout.channels * layout.sampleBytes;
+        const Geometry g = Pixels(image->GetHeight(), width, layout.channels, layout.sampleBytes,
+                                  width * pixelBytes + image->GetPaddingX());
+        if (Fits(g, image->GetSizeFilled()))
+            return NewArray(SampleType(layout), g, data, writable, KeepAlive(m_source));
+    }
+    return NewArray(Npy::NPY_UBYTE_, Raw(image), data, writable, KeepAlive(m_source));
 }
 
 py::array PyImage::Unpacked() const {
@@ -93,7 +121,10 @@ py::array PyImage::Unpacked() const {
     layout.sampleBytes = layout.sampleBits <= 8 ? 1 : 2;
     PixelLayout unpacked = layout;
     unpacked.packing = Packing::None;
-    py::array result(SampleType(unpacked), Shape(height, width, layout.channels));
+    std::vector<py::ssize_t> shape = {py::ssize_t(height), py::ssize_t(width)};
+    if (layout.channels > 1)
+        shape.push_back(py::ssize_t(layout.channels));
+    py::array result(py::dtype(SampleType(unpacked)), shape);
     UnpackSamples(layout, image->GetData(), image->GetSizeFilled(), result.mutable_data(),
                   width * height * layout.channels);
     return result;

@@ -11,28 +11,6 @@
 namespace OrvanPy {
 namespace {
 
-struct Names {
-    std::unordered_map<uint64_t, std::string> byCode;
-    std::unordered_map<std::string, uint64_t> byName;
-
-    void Add(const char* name, uint64_t code) {
-        byCode.emplace(code, name);
-        byName.emplace(name, code);
-    }
-};
-
-const Names& Table() {
-    static const Names names = [] {
-        Names n;
-#define ORVAN_PY_NAME(name, code) n.Add(#name, code);
-        ORVAN_PFNC_STANDARD_FORMATS(ORVAN_PY_NAME)
-        ORVAN_PFNC_VENDOR_FORMATS(ORVAN_PY_NAME)
-#undef ORVAN_PY_NAME
-        return n;
-    }();
-    return names;
-}
-
 bool EndsWith(const std::string& text, const char* tail) {
     const std::string suffix(tail);
     return text.size() >= suffix.size() &&
@@ -51,6 +29,49 @@ Packing PackingOf(const std::string& name, size_t bitsPerPixel, size_t channels,
     if (bitsPerPixel % channels == 0 && (container == 8 || container == 16 || container == 32))
         return Packing::None;
     return Packing::Other;
+}
+
+PixelLayout ComputeLayout(const std::string& name, uint64_t code) {
+    PixelLayout layout;
+    size_t bitsPerPixel = 0;
+    try {
+        bitsPerPixel = Orvan::GetBitsPerPixel(code);
+        layout.channels = Orvan::GetNumChannels(code);
+        layout.sampleBits = Orvan::GetBitsPerChannel(code);
+    } catch (const GenICam::GenericException&) {
+        return layout;
+    }
+    if (layout.channels == 0)
+        return layout;
+    layout.packing = PackingOf(name, bitsPerPixel, layout.channels, layout.sampleBits);
+    layout.floating = EndsWith(name, "f") && layout.packing == Packing::None;
+    layout.sampleBytes = bitsPerPixel / layout.channels / 8;
+    return layout;
+}
+
+// Every listed format's layout is worked out once: the array of each image looks it up.
+struct Formats {
+    std::unordered_map<uint64_t, std::string> byCode;
+    std::unordered_map<std::string, uint64_t> byName;
+    std::unordered_map<uint64_t, PixelLayout> layouts;
+
+    void Add(const char* name, uint64_t code) {
+        byCode.emplace(code, name);
+        byName.emplace(name, code);
+        layouts.emplace(code, ComputeLayout(name, code));
+    }
+};
+
+const Formats& Table() {
+    static const Formats formats = [] {
+        Formats f;
+#define ORVAN_PY_FORMAT(name, code) f.Add(#name, code);
+        ORVAN_PFNC_STANDARD_FORMATS(ORVAN_PY_FORMAT)
+        ORVAN_PFNC_VENDOR_FORMATS(ORVAN_PY_FORMAT)
+#undef ORVAN_PY_FORMAT
+        return f;
+    }();
+    return formats;
 }
 
 } // namespace
@@ -72,21 +93,8 @@ uint64_t PixelFormatCode(const std::string& name) {
 }
 
 PixelLayout LayoutOf(uint64_t code) {
-    PixelLayout layout;
-    const size_t bitsPerPixel = Orvan::GetBitsPerPixel(code);
-    try {
-        layout.channels = Orvan::GetNumChannels(code);
-        layout.sampleBits = Orvan::GetBitsPerChannel(code);
-    } catch (const GenICam::GenericException&) {
-        return layout;
-    }
-    if (layout.channels == 0)
-        return layout;
-    const std::string name = PixelFormatName(code);
-    layout.packing = PackingOf(name, bitsPerPixel, layout.channels, layout.sampleBits);
-    layout.floating = EndsWith(name, "f") && layout.packing == Packing::None;
-    layout.sampleBytes = bitsPerPixel / layout.channels / 8;
-    return layout;
+    auto it = Table().layouts.find(code);
+    return it != Table().layouts.end() ? it->second : PixelLayout{};
 }
 
 } // namespace OrvanPy

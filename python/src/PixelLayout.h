@@ -23,6 +23,7 @@ struct PixelLayout {
     bool floating = false;  // IEEE samples (the "f" formats)
 };
 
+// Packing::Other (raw bytes) for a code the SDK does not list.
 PixelLayout LayoutOf(uint64_t code);
 
 } // namespace OrvanPy

@@ -9,6 +9,15 @@
 namespace py = pybind11;
 
 namespace OrvanPy {
+namespace {
+
+bool WeaklyReferenced(PyObject* object) {
+    const Py_ssize_t offset = Py_TYPE(object)->tp_weaklistoffset;
+    return offset > 0 &&
+           *reinterpret_cast<PyObject**>(reinterpret_cast<char*>(object) + offset) != nullptr;
+}
+
+} // namespace
 
 void PyCamera::Start(std::optional<size_t> buffers) const {
     m_core->Start(buffers.value_or(Orvan::kAutomaticBufferCount));
@@ -70,25 +79,43 @@ ImageIterator::~ImageIterator() {
     }
 }
 
-PyImage ImageIterator::Next() {
-    if (m_previous)
-        m_previous->Requeue();
-    m_previous.reset();
+py::object ImageIterator::Next() {
+    GiveBackCurrent();
     if (m_done || (m_left && *m_left == 0)) {
         Close();
-        throw py::stop_iteration();
+        return py::none();
     }
-    PyImage image(m_camera->NextImage(m_timeout));
+    Handed next = Wrap(m_camera->NextImage(m_timeout));
     if (m_left)
         --*m_left;
-    m_previous = image;
-    return image;
+    m_spare = std::exchange(m_current, next);
+    return next.object;
+}
+
+// An image object nothing but the iterator refers to (no name, no container, no weak
+// reference) cannot be told from a new one, so it carries the next image: the reuse the
+// built-in zip() and enumerate() make of their result tuples.
+ImageIterator::Handed ImageIterator::Wrap(std::shared_ptr<ImageSource> source) {
+    PyObject* spare = m_spare.object.ptr();
+    if (spare && Py_REFCNT(spare) == 1 && !WeaklyReferenced(spare)) {
+        m_spare.image->Rebind(std::move(source));
+        return std::exchange(m_spare, Handed{});
+    }
+    Handed made;
+    made.object = py::cast(PyImage(std::move(source)));
+    made.image = made.object.cast<PyImage*>();
+    return made;
+}
+
+void ImageIterator::GiveBackCurrent() {
+    if (m_current.image)
+        m_current.image->Requeue();
 }
 
 void ImageIterator::Close() {
-    if (m_previous)
-        m_previous->Requeue();
-    m_previous.reset();
+    GiveBackCurrent();
+    m_current = Handed{};
+    m_spare = Handed{};
     if (m_done)
         return;
     m_done = true;

@@ -39,14 +39,27 @@ public:
     ImageIterator(const ImageIterator&) = delete;
     ImageIterator& operator=(const ImageIterator&) = delete;
 
-    PyImage Next();
+    // The next image; None once the count is reached (the iterator is closed then).
+    pybind11::object Next();
     void Close();
 
 private:
+    // An orvan.Image object the iterator handed out, and the C++ image inside it.
+    struct Handed {
+        pybind11::object object;
+        PyImage* image = nullptr;
+    };
+
+    Handed Wrap(std::shared_ptr<ImageSource> source);
+    void GiveBackCurrent();
+
     std::shared_ptr<CameraCore> m_camera;
     std::optional<size_t> m_left;
     Timeout m_timeout;
-    std::optional<PyImage> m_previous;
+    // The loop's variable still holds the current image when the next one is asked for; the one
+    // before it is free again once the loop has let it go.
+    Handed m_current;
+    Handed m_spare;
     bool m_startedHere = false;
     bool m_done = false;
 };

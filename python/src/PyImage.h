@@ -19,6 +19,8 @@ public:
     Orvan::IImage* Get() const { return m_source->Image(); }
     bool Valid() const { return m_source->Valid(); }
     void Requeue() const { m_source->Return(); }
+    // The image iterator's object carries the next image in place of a new one.
+    void Rebind(std::shared_ptr<ImageSource> source) { m_source = std::move(source); }
 
     // The pixels without a copy, read-only; raw bytes for formats without an array layout.
     pybind11::array Array() const { return View(false); }

@@ -16,15 +16,14 @@ struct FormatPair {
     const ConversionFormat* target;
 };
 
-FormatPair CheckFormats(uint64_t source, uint64_t target, size_t width, size_t height,
-                        const char* op) {
+FormatPair CheckFormats(uint64_t source, uint64_t target, size_t width, const char* op) {
     const FormatPair pair{FindSourceFormat(source), FindTargetFormat(target)};
     if (pair.source == nullptr || pair.target == nullptr)
         Fail<GenICam::InvalidArgumentException>(
             std::string("Conversion from ") + FormatName(source) + " to " + FormatName(target) +
                 " not supported (" + op + ")",
             "CheckFormats");
-    if (!FitsGeometry(*pair.source, width, height))
+    if (!FitsGeometry(*pair.source, width))
         Fail<GenICam::InvalidArgumentException>(
             "Width " + std::to_string(width) + " is not a multiple of the " +
                 std::to_string(pair.source->yuv.pixels) + " pixels of a " + FormatName(source) +
@@ -43,16 +42,26 @@ void CheckSameSize(IImage* pSource, IImage* pTarget, const char* op) {
             "CheckLen");
 }
 
+// The source's pixels, whose rows may each end in padding, once the block is known to hold them.
+SourceBlock SourceOf(IImage* pSource, const ConversionFormat& format, const char* op) {
+    const SourceBlock source{pSource->GetData(), pSource->GetSizeFilled(), pSource->GetWidth(),
+                             pSource->GetHeight(), pSource->GetPaddingX()};
+    const size_t expected = SourceBytes(format, source);
+    if (pSource->GetSizeFilled() < expected)
+        CheckLen(pSource->GetSizeFilled(), expected, op);
+    return source;
+}
+
 } // namespace
 
 IImage* ImageFactory::Convert(IImage* pSource, uint64_t targetFormat, DemosaicMethod method) {
     CheckSourceImage(pSource, "Convert");
-    const size_t width = pSource->GetWidth(), height = pSource->GetHeight();
     const FormatPair pair =
-        CheckFormats(pSource->GetPixelFormat(), targetFormat, width, height, "Convert");
-    std::unique_ptr<Image> target = NewFactoryImage(width, height, targetFormat);
-    ConvertPixels(pSource->GetData(), *pair.source, const_cast<uint8_t*>(target->GetData()),
-                  *pair.target, width, height, method);
+        CheckFormats(pSource->GetPixelFormat(), targetFormat, pSource->GetWidth(), "Convert");
+    const SourceBlock source = SourceOf(pSource, *pair.source, "Convert");
+    std::unique_ptr<Image> target = NewFactoryImage(source.width, source.height, targetFormat);
+    ConvertPixels(source, *pair.source, const_cast<uint8_t*>(target->GetData()), *pair.target,
+                  method);
     return target.release();
 }
 
@@ -68,9 +77,9 @@ void ImageFactory::ConvertInto(IImage* pSource, IImage* pTarget, DemosaicMethod 
     if (pTarget->GetSizeFilled() < expected)
         CheckLen(pTarget->GetSizeFilled(), expected, "ConvertInto");
     const FormatPair pair =
-        CheckFormats(pSource->GetPixelFormat(), targetFormat, width, height, "ConvertInto");
-    ConvertPixels(pSource->GetData(), *pair.source, destination, *pair.target, width, height,
-                  method);
+        CheckFormats(pSource->GetPixelFormat(), targetFormat, width, "ConvertInto");
+    ConvertPixels(SourceOf(pSource, *pair.source, "ConvertInto"), *pair.source, destination,
+                  *pair.target, method);
 }
 
 bool ImageFactory::IsConvertible(uint64_t sourceFormat, uint64_t targetFormat) {

@@ -29,8 +29,8 @@ std::vector<IImage*> ImageFactory::Deinterleave(IImage* pSource) {
                 std::to_string(count) + " taps of " + name + " (Deinterleave)",
             "Deinterleave");
     std::vector<std::unique_ptr<Image>> images;
-    for (const ChannelPlane& plane :
-         Orvan::Deinterleave(pSource->GetData(), width, height, *interleaved)) {
+    for (const ChannelPlane& plane : Orvan::Deinterleave(
+             pSource->GetData(), pSource->GetSizeFilled(), width, height, *interleaved)) {
         images.push_back(NewFactoryImage(plane.width, height, plane.format));
         Image& image = *images.back();
         std::memcpy(const_cast<uint8_t*>(image.GetData()), plane.pixels.data(),

@@ -52,7 +52,8 @@ IImage* ImageFactory::SelectBits(IImage* pSource, size_t lowestBit) {
     const uint64_t format = pSource->GetPixelFormat();
     const ConversionFormat& source = CheckWindow(format, lowestBit);
     const size_t samples = pSource->GetWidth() * pSource->GetHeight() * source.channels;
-    const std::vector<uint32_t> values = ReadSamples(pSource->GetData(), samples, source.layout);
+    const std::vector<uint32_t> values =
+        ReadSamples(pSource->GetData(), pSource->GetSizeFilled(), samples, source.layout);
     std::unique_ptr<Image> target =
         NewFactoryImage(pSource->GetWidth(), pSource->GetHeight(), EightBitCounterpart(source));
     auto* out = const_cast<uint8_t*>(target->GetData());

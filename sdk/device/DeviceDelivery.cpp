@@ -13,6 +13,8 @@
 #include <GenApi/ChunkAdapterGEV.h>
 #include <GenTL/GenTLExtensions.h>
 
+#include <memory>
+
 namespace Orvan {
 namespace {
 
@@ -105,9 +107,16 @@ IBuffer* Device::WrapBuffer(int stream, void* handle) {
     const uint64_t payloadType =
         BufferInfo(dataStream, handle, GenTL::BUFFER_INFO_PAYLOADTYPE,
                    "Unable to get buffer payload type", "DSGetBufferInfo, BUFFER_INFO_PAYLOADTYPE");
-    if (payloadType == PayloadType::kImage) {
-        auto* image = new Image(dataStream, handle);
-        return Track({stream, static_cast<IImage*>(image), image, nullptr});
+    if (payloadType == PayloadType::kImage || payloadType == PayloadType::kMultiPart) {
+        auto image = std::make_unique<Image>(dataStream, handle);
+        // The multipart stream's parts are frames of one format and width, stacked; parts of
+        // different kinds are no image.
+        if (payloadType == PayloadType::kMultiPart && !image->HasImageData())
+            ThrowLibraryError<GenICam::LogicalErrorException>(
+                "The parts of this multi-part buffer do not form one image",
+                DELIVERY_SITE("GetBuffer"));
+        Image* tracked = image.release();
+        return Track({stream, static_cast<IImage*>(tracked), tracked, nullptr});
     }
     if (payloadType == PayloadType::kCompressedImage) {
         auto* image = new CompressedImage(dataStream, handle);

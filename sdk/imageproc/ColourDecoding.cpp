@@ -1,12 +1,12 @@
+// Compiled once per instruction set (hwy/foreach_target.h): the YUV reference loop too, so that
+// it and the vector loop share one definition of the arithmetic.
+#ifndef ORVAN_IMAGEPROC_COLOURDECODING_ONCE
+#define ORVAN_IMAGEPROC_COLOURDECODING_ONCE
 #include "ColourDecoding.h"
 
-#include "ParallelRows.h"
-
-#include <algorithm>
 #include <cstring>
 
 namespace Orvan {
-
 namespace {
 
 template <class T>
@@ -21,103 +21,213 @@ void ScaleDirect(const S* in, T* out, size_t count, unsigned bits) {
         out[i] = ScaleSample<T>(in[i], bits);
 }
 
+// Samples in 16-bit containers, read byte by byte: a row after an odd padding is not aligned.
 template <class T>
-void ScaleSamples(const uint8_t* source, size_t count, SampleLayout layout, T* out) {
+void ScaleWords(const uint8_t* in, T* out, size_t count, unsigned bits) {
+    const uint32_t mask = (uint32_t{1} << bits) - 1;
+    for (size_t i = 0; i < count; ++i) {
+        uint16_t word;
+        std::memcpy(&word, in + 2 * i, sizeof word);
+        out[i] = ScaleSample<T>(word & mask, bits);
+    }
+}
+
+template <class T>
+void ScaleSamples(const uint8_t* source, size_t bytes, size_t count, SampleLayout layout, T* out) {
     if (layout.storage == SampleStorage::U8)
         return ScaleDirect(source, out, count, layout.bits);
     if (layout.storage == SampleStorage::U16)
-        return ScaleDirect(reinterpret_cast<const uint16_t*>(source), out, count, layout.bits);
-    const std::vector<uint32_t> values = ReadSamples(source, count, layout);
+        return ScaleWords(source, out, count, layout.bits);
+    const std::vector<uint32_t> values = ReadSamples(source, bytes, count, layout);
     ScaleDirect(values.data(), out, count, layout.bits);
-}
-
-// Mirrors about the first and last sample, which keeps the colour of every Bayer position.
-ptrdiff_t Mirror(ptrdiff_t i, ptrdiff_t n) {
-    if (n == 1)
-        return 0;
-    const ptrdiff_t period = 2 * (n - 1);
-    i %= period;
-    if (i < 0)
-        i += period;
-    return i < n ? i : period - i;
 }
 
 } // namespace
 
 template <class T>
-PixelCanvas<T> SourceCanvas(const uint8_t* source, size_t width, size_t height,
-                            const ConversionFormat& format, ScratchLease& scratch) {
-    const size_t rowSamples = width * format.channels;
+PixelCanvas<T> SourceCanvas(const SourceBlock& source, const ConversionFormat& format,
+                            ScratchLease& scratch) {
+    const size_t rowSamples = source.width * format.channels;
+    const size_t rowBytes = StoredSize(rowSamples, format.layout.storage) + source.paddingX;
     PixelCanvas<T> canvas{nullptr,
-                          width,
-                          height,
+                          source.width,
+                          source.height,
                           rowSamples,
                           format.channels,
                           unsigned(format.red),
                           unsigned(format.green),
                           unsigned(format.blue),
                           -1};
-    if (IsNative<T>(format)) {
-        canvas.data = const_cast<T*>(reinterpret_cast<const T*>(source));
+    if (IsNative<T>(format) && rowBytes % sizeof(T) == 0 &&
+        reinterpret_cast<uintptr_t>(source.data) % sizeof(T) == 0) {
+        canvas.data = const_cast<T*>(reinterpret_cast<const T*>(source.data));
+        canvas.rowStride = rowBytes / sizeof(T);
         return canvas;
     }
-    canvas.data = reinterpret_cast<T*>(scratch.Get(0, rowSamples * height * sizeof(T)));
-    ScaleSamples(source, rowSamples * height, format.layout, canvas.data);
+    canvas.data = reinterpret_cast<T*>(scratch.Get(0, rowSamples * source.height * sizeof(T)));
+    if (source.paddingX == 0)
+        ScaleSamples(source.data, source.bytes, rowSamples * source.height, format.layout,
+                     canvas.data);
+    else
+        for (size_t y = 0; y < source.height; ++y)
+            ScaleSamples(source.data + y * rowBytes, rowBytes, rowSamples, format.layout,
+                         canvas.Row(y));
     return canvas;
 }
 
-template <class T>
-MosaicView<T> BorderedMosaic(const PixelCanvas<T>& plane, BayerPattern pattern,
-                             ScratchLease& scratch) {
-    const ptrdiff_t w = ptrdiff_t(plane.width), h = ptrdiff_t(plane.height);
-    const ptrdiff_t b = kMosaicBorder, stride = w + 2 * b;
-    T* block = reinterpret_cast<T*>(scratch.Get(2, size_t(stride * (h + 2 * b)) * sizeof(T)));
-    T* origin = block + b * stride + b;
-    ParallelRows(size_t(h + 2 * b), size_t(stride * (h + 2 * b)), 1, [&](size_t r0, size_t r1) {
-        for (ptrdiff_t y = ptrdiff_t(r0) - b; y < ptrdiff_t(r1) - b; ++y) {
-            const T* in = plane.Row(size_t(Mirror(y, h)));
-            T* out = origin + y * stride;
-            std::memcpy(out, in, size_t(w) * sizeof(T));
-            for (ptrdiff_t x = 1; x <= b; ++x) {
-                out[-x] = in[Mirror(-x, w)];
-                out[w - 1 + x] = in[Mirror(w - 1 + x, w)];
-            }
-        }
-    });
-    return {origin, stride, plane.width, plane.height, pattern};
+template PixelCanvas<uint8_t> SourceCanvas(const SourceBlock&, const ConversionFormat&,
+                                           ScratchLease&);
+template PixelCanvas<uint16_t> SourceCanvas(const SourceBlock&, const ConversionFormat&,
+                                            ScratchLease&);
+
+} // namespace Orvan
+#endif
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "imageproc/ColourDecoding.cpp"
+#include <hwy/foreach_target.h> // IWYU pragma: keep
+
+#include "SimdPixels-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace Orvan {
+namespace HWY_NAMESPACE {
+namespace {
+
+// What the chroma of a group adds to its luma, in full-range BT.601 (14-bit fixed point); u and
+// v are centred on 0.
+template <class V>
+struct ChromaOffsets {
+    V red, green, blue;
+};
+
+template <class Ops, class V>
+ChromaOffsets<V> Chroma(const Ops& o, V u, V v) {
+    // (2v * 22970 + 16384) >> 15 is (v * 22970 + 8192) >> 14.
+    return {o.MulRound15(o.Add(v, v), 22970), o.DotRound14(u, -5638, v, -11700),
+            o.MulRound15(o.Add(u, u), 29032)};
 }
 
+// The reference: groups [g0, g1) of a row.
 template <class T>
-void YuvToRgb(const uint8_t* source, size_t width, const YuvGroup& group, const PixelCanvas<T>& out,
-              size_t y0, size_t y1) {
-    const size_t rowBytes = width / group.pixels * group.samples;
-    for (size_t y = y0; y < y1; ++y) {
-        const uint8_t* in = source + y * rowBytes;
-        T* pixel = out.Row(y);
-        for (size_t x = 0; x < width; x += group.pixels, in += group.samples) {
-            const int32_t u = int32_t(in[group.u]) - 128, v = int32_t(in[group.v]) - 128;
-            // Full-range BT.601 in 14-bit fixed point.
-            const int32_t dr = (22970 * v + 8192) >> 14;
-            const int32_t dg = (-5638 * u - 11700 * v + 8192) >> 14;
-            const int32_t db = (29032 * u + 8192) >> 14;
-            for (unsigned i = 0; i < group.pixels; ++i, pixel += out.pixelStride) {
-                const int32_t luma = in[group.luma[i]];
-                PutRgb(out, pixel, ScaleSample<T>(Clamp<uint8_t>(luma + dr), 8),
-                       ScaleSample<T>(Clamp<uint8_t>(luma + dg), 8),
-                       ScaleSample<T>(Clamp<uint8_t>(luma + db), 8));
-            }
+void YuvGroups(const uint8_t* in, const YuvGroup& group, const PixelCanvas<T>& out, T* pixels,
+               size_t g0, size_t g1) {
+    in += g0 * group.samples;
+    pixels += g0 * group.pixels * out.pixelStride;
+    for (size_t g = g0; g < g1; ++g, in += group.samples) {
+        const ChromaOffsets<int32_t> c =
+            Chroma(ScalarLanes(), int32_t(in[group.u]) - 128, int32_t(in[group.v]) - 128);
+        for (unsigned i = 0; i < group.pixels; ++i, pixels += out.pixelStride) {
+            const int32_t luma = in[group.luma[i]];
+            PutRgb(out, pixels, ScaleSample<T>(Clamp<uint8_t>(luma + c.red), 8),
+                   ScaleSample<T>(Clamp<uint8_t>(luma + c.green), 8),
+                   ScaleSample<T>(Clamp<uint8_t>(luma + c.blue), 8));
         }
     }
 }
 
-#define ORVAN_INSTANTIATE_DECODING(T)                                                              \
-    template PixelCanvas<T> SourceCanvas(const uint8_t*, size_t, size_t, const ConversionFormat&,  \
-                                         ScratchLease&);                                           \
-    template MosaicView<T> BorderedMosaic(const PixelCanvas<T>&, BayerPattern, ScratchLease&);     \
-    template void YuvToRgb(const uint8_t*, size_t, const YuvGroup&, const PixelCanvas<T>&, size_t, \
-                           size_t);
-ORVAN_INSTANTIATE_DECODING(uint8_t)
-ORVAN_INSTANTIATE_DECODING(uint16_t)
-#undef ORVAN_INSTANTIATE_DECODING
+#if ORVAN_HAVE_VECTORS
+// The vector loop of the 4:2:2 layouts (two pixels a group, luma first or second in each pair
+// of bytes) into 8-bit canvases; returns the groups done.
+size_t Yuv422Vectors(const uint8_t* in, const YuvGroup& group, const PixelCanvas<uint8_t>& out,
+                     uint8_t* pixels, size_t groups) {
+    const bool lumaFirst = group.luma[0] == 0 && group.luma[1] == 2 && group.u == 1;
+    const bool lumaSecond = group.luma[0] == 1 && group.luma[1] == 3 && group.u == 0;
+    if (group.pixels != 2 || group.samples != 4 || !(lumaFirst || lumaSecond))
+        return 0;
+    // One 16-bit lane per pair of bytes, so that a lane holds a group's luma and one chroma.
+    const hn::ScalableTag<uint16_t> d;
+    const hn::Rebind<int16_t, decltype(d)> s;
+    const VectorLanes<decltype(s)> o{s};
+    const auto low = [&](hn::Vec<decltype(d)> pair) {
+        return hn::BitCast(s, hn::And(pair, hn::Set(d, 0xFF)));
+    };
+    const auto high = [&](hn::Vec<decltype(d)> pair) {
+        return hn::BitCast(s, hn::ShiftRight<8>(pair));
+    };
+    const auto zero = o.Set(0), top = o.Set(255), centre = o.Set(128);
+    const auto byte = [&](hn::Vec<decltype(s)> v) { return ClampTo(o, v, zero, top); };
+    // Two 8-bit samples in one lane, the first in the low byte.
+    const auto pair = [&](hn::Vec<decltype(s)> first, hn::Vec<decltype(s)> second) {
+        return hn::BitCast(d, hn::Or(first, hn::ShiftLeft<8>(second)));
+    };
+    const size_t lanes = hn::Lanes(d);
+    size_t g = 0;
+    for (; g + lanes <= groups; g += lanes) {
+        hn::Vec<decltype(d)> a, b;
+        hn::LoadInterleaved2(d, reinterpret_cast<const uint16_t*>(in + g * 4), a, b);
+        const auto y0 = lumaFirst ? low(a) : high(a), y1 = lumaFirst ? low(b) : high(b);
+        const auto u = lumaFirst ? high(a) : low(a), v = lumaFirst ? high(b) : low(b);
+        const ChromaOffsets<hn::Vec<decltype(s)>> c =
+            Chroma(o, hn::Sub(u, centre), hn::Sub(v, centre));
+        const auto r0 = byte(hn::Add(y0, c.red)), g0 = byte(hn::Add(y0, c.green)),
+                   b0 = byte(hn::Add(y0, c.blue));
+        const auto r1 = byte(hn::Add(y1, c.red)), g1 = byte(hn::Add(y1, c.green)),
+                   b1 = byte(hn::Add(y1, c.blue));
+        const auto first0 = out.red == 0 ? r0 : b0, third0 = out.red == 0 ? b0 : r0;
+        const auto first1 = out.red == 0 ? r1 : b1, third1 = out.red == 0 ? b1 : r1;
+        auto* target = reinterpret_cast<uint16_t*>(pixels + g * 2 * out.pixelStride);
+        if (out.pixelStride == 4)
+            hn::StoreInterleaved4(pair(first0, g0), pair(third0, top), pair(first1, g1),
+                                  pair(third1, top), d, target);
+        else
+            hn::StoreInterleaved3(pair(first0, g0), pair(third0, first1), pair(g1, third1), d,
+                                  target);
+    }
+    return g;
+}
+#endif
+
+template <class T>
+void YuvRows(const SourceBlock& source, const YuvGroup& group, const PixelCanvas<T>& out, size_t y0,
+             size_t y1, Kernels kernels) {
+    const size_t groups = source.width / group.pixels;
+    const size_t rowBytes = groups * group.samples + source.paddingX;
+    for (size_t y = y0; y < y1; ++y) {
+        const uint8_t* in = source.data + y * rowBytes;
+        size_t done = 0;
+#if ORVAN_HAVE_VECTORS
+        if constexpr (sizeof(T) == 1)
+            if (kernels == Kernels::Fast)
+                done = Yuv422Vectors(in, group, out, out.Row(y), groups);
+#else
+        (void)kernels;
+#endif
+        YuvGroups(in, group, out, out.Row(y), done, groups);
+    }
+}
+
+} // namespace
+
+void YuvRows8(const SourceBlock& source, const YuvGroup& group, const PixelCanvas<uint8_t>& out,
+              size_t y0, size_t y1, Kernels kernels) {
+    YuvRows(source, group, out, y0, y1, kernels);
+}
+
+void YuvRows16(const SourceBlock& source, const YuvGroup& group, const PixelCanvas<uint16_t>& out,
+               size_t y0, size_t y1, Kernels kernels) {
+    YuvRows(source, group, out, y0, y1, kernels);
+}
+
+} // namespace HWY_NAMESPACE
+} // namespace Orvan
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace Orvan {
+
+HWY_EXPORT(YuvRows8);
+HWY_EXPORT(YuvRows16);
+
+void YuvToRgb(const SourceBlock& source, const YuvGroup& group, const PixelCanvas<uint8_t>& out,
+              size_t y0, size_t y1, Kernels kernels) {
+    HWY_DYNAMIC_DISPATCH(YuvRows8)(source, group, out, y0, y1, kernels);
+}
+
+void YuvToRgb(const SourceBlock& source, const YuvGroup& group, const PixelCanvas<uint16_t>& out,
+              size_t y0, size_t y1, Kernels kernels) {
+    HWY_DYNAMIC_DISPATCH(YuvRows16)(source, group, out, y0, y1, kernels);
+}
 
 } // namespace Orvan
+#endif

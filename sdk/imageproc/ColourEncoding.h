@@ -15,13 +15,10 @@ template <class T>
 PixelCanvas<T> TargetCanvas(uint8_t* target, size_t width, size_t height,
                             const ConversionFormat& format);
 
-// Sets the alpha samples of rows [y0, y1), if the canvas has them, to the largest value.
-template <class T>
-void FillAlpha(const PixelCanvas<T>& canvas, size_t y0, size_t y1);
-
 // Writes the whole canvas to `target` in the target format.
 template <class T>
-void Encode(const PixelCanvas<T>& in, const ConversionFormat& format, uint8_t* target);
+void Encode(const PixelCanvas<T>& in, const ConversionFormat& format, uint8_t* target,
+            Kernels kernels);
 
 } // namespace Orvan
 

@@ -63,11 +63,11 @@ const InterleavedFormat* FindInterleavedFormat(uint64_t code) {
     return found == table.end() ? nullptr : &*found;
 }
 
-std::vector<ChannelPlane> Deinterleave(const uint8_t* source, size_t width, size_t height,
-                                       const InterleavedFormat& format) {
+std::vector<ChannelPlane> Deinterleave(const uint8_t* source, size_t bytes, size_t width,
+                                       size_t height, const InterleavedFormat& format) {
     const size_t count = format.channels.size();
     const size_t total = width * height * (format.channelPerPixel ? count : 1);
-    const std::vector<uint32_t> samples = ReadSamples(source, total, format.layout);
+    const std::vector<uint32_t> samples = ReadSamples(source, bytes, total, format.layout);
     std::vector<ChannelPlane> planes;
     for (size_t c = 0; c < count; ++c) {
         std::vector<uint32_t> channel(total / count);

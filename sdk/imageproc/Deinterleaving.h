@@ -31,8 +31,8 @@ struct ChannelPlane {
 
 // Splits `width` x `height` pixels; for taps side by side the width must be a multiple of their
 // count (the caller checks).
-std::vector<ChannelPlane> Deinterleave(const uint8_t* source, size_t width, size_t height,
-                                       const InterleavedFormat& format);
+std::vector<ChannelPlane> Deinterleave(const uint8_t* source, size_t bytes, size_t width,
+                                       size_t height, const InterleavedFormat& format);
 
 } // namespace Orvan
 

@@ -1,30 +1,14 @@
 #include "PixelConversion.h"
 
-#include "ColourDecoding.h"
 #include "ColourEncoding.h"
-#include "DemosaicAdaptiveHomogeneity.h"
-#include "DemosaicBilinear.h"
-#include "DemosaicHighQualityLinear.h"
+#include "Demosaic.h"
 #include "ParallelRows.h"
+
+#include <Orvan/PixelFormat.h>
 
 namespace Orvan {
 
 namespace {
-
-template <class T>
-using DemosaicRows = void (*)(const MosaicView<T>&, const PixelCanvas<T>&, size_t, size_t);
-
-template <class T>
-DemosaicRows<T> DemosaicFor(DemosaicMethod method) {
-    switch (method) {
-    case DemosaicMethod::Bilinear:
-        return DemosaicBilinear<T>;
-    case DemosaicMethod::AdaptiveHomogeneityDirected:
-        return DemosaicAdaptiveHomogeneity<T>;
-    default:
-        return DemosaicHighQualityLinear<T>;
-    }
-}
 
 // Where the RGB stages write: the target itself when it stores T samples, else pool 1.
 template <class T>
@@ -37,47 +21,50 @@ PixelCanvas<T> RgbCanvas(uint8_t* target, const ConversionFormat& format, size_t
 }
 
 template <class T>
-void Convert(const uint8_t* source, const ConversionFormat& sourceFormat, uint8_t* target,
-             const ConversionFormat& targetFormat, size_t width, size_t height,
-             DemosaicMethod method) {
+void Convert(const SourceBlock& source, const ConversionFormat& sourceFormat, uint8_t* target,
+             const ConversionFormat& targetFormat, DemosaicMethod method, Kernels kernels) {
     ScratchLease scratch;
     if (sourceFormat.family == ColourFamily::Mono || sourceFormat.family == ColourFamily::Rgb)
-        return Encode(SourceCanvas<T>(source, width, height, sourceFormat, scratch), targetFormat,
-                      target);
-    const PixelCanvas<T> rgb = RgbCanvas<T>(target, targetFormat, width, height, scratch);
-    const size_t work = width * height * 3;
+        return Encode(SourceCanvas<T>(source, sourceFormat, scratch), targetFormat, target,
+                      kernels);
+    const PixelCanvas<T> rgb =
+        RgbCanvas<T>(target, targetFormat, source.width, source.height, scratch);
+    const size_t work = source.width * source.height * 3;
     if (sourceFormat.family == ColourFamily::Yuv) {
-        ParallelRows(height, work, 1, [&](size_t y0, size_t y1) {
-            YuvToRgb(source, width, sourceFormat.yuv, rgb, y0, y1);
-            FillAlpha(rgb, y0, y1);
+        ParallelRows(source.height, work, 1, [&](size_t y0, size_t y1) {
+            YuvToRgb(source, sourceFormat.yuv, rgb, y0, y1, kernels);
         });
     } else {
-        const MosaicView<T> mosaic =
-            BorderedMosaic(SourceCanvas<T>(source, width, height, sourceFormat, scratch),
-                           sourceFormat.pattern, scratch);
-        const DemosaicRows<T> demosaic = DemosaicFor<T>(method);
-        ParallelRows(height, work, 2, [&](size_t y0, size_t y1) {
-            demosaic(mosaic, rgb, y0, y1);
-            FillAlpha(rgb, y0, y1);
-        });
+        const PixelCanvas<T> plane = SourceCanvas<T>(source, sourceFormat, scratch);
+        const MosaicView<T> mosaic{plane.data, ptrdiff_t(plane.rowStride), plane.width,
+                                   plane.height, sourceFormat.pattern};
+        ParallelRows(source.height, work, 2,
+                     [&](size_t y0, size_t y1) { Demosaic(method, mosaic, rgb, y0, y1, kernels); });
     }
     if (rgb.data != reinterpret_cast<T*>(target))
-        Encode(rgb, targetFormat, target);
+        Encode(rgb, targetFormat, target, kernels);
 }
 
 } // namespace
 
-bool FitsGeometry(const ConversionFormat& source, size_t width, size_t) {
+bool FitsGeometry(const ConversionFormat& source, size_t width) {
     return source.family != ColourFamily::Yuv || width % source.yuv.pixels == 0;
 }
 
-void ConvertPixels(const uint8_t* source, const ConversionFormat& sourceFormat, uint8_t* target,
-                   const ConversionFormat& targetFormat, size_t width, size_t height,
-                   DemosaicMethod method) {
+size_t SourceBytes(const ConversionFormat& format, const SourceBlock& source) {
+    const size_t bits = GetBitsPerPixel(format.code);
+    if (source.paddingX == 0 || source.height == 0)
+        return source.width * source.height * bits >> 3;
+    const size_t row = (source.width * bits + 7) / 8;
+    return (row + source.paddingX) * (source.height - 1) + row;
+}
+
+void ConvertPixels(const SourceBlock& source, const ConversionFormat& sourceFormat, uint8_t* target,
+                   const ConversionFormat& targetFormat, DemosaicMethod method, Kernels kernels) {
     if (sourceFormat.layout.bits > 8 || targetFormat.layout.bits > 8)
-        Convert<uint16_t>(source, sourceFormat, target, targetFormat, width, height, method);
+        Convert<uint16_t>(source, sourceFormat, target, targetFormat, method, kernels);
     else
-        Convert<uint8_t>(source, sourceFormat, target, targetFormat, width, height, method);
+        Convert<uint8_t>(source, sourceFormat, target, targetFormat, method, kernels);
 }
 
 } // namespace Orvan

@@ -3,19 +3,23 @@
 #ifndef ORVAN_IMAGEPROC_PIXELCONVERSION_H
 #define ORVAN_IMAGEPROC_PIXELCONVERSION_H
 
-#include "ConversionFormat.h"
+#include "ColourDecoding.h"
 
 #include <Orvan/DemosaicMethod.h>
 
 namespace Orvan {
 
-// Whether width and height suit the source format (whole YUV groups); the caller has checked
-// that both formats convert and that both blocks hold their geometry.
-bool FitsGeometry(const ConversionFormat& source, size_t width, size_t height);
+// Whether the width suits the source format (whole YUV groups).
+bool FitsGeometry(const ConversionFormat& source, size_t width);
 
-void ConvertPixels(const uint8_t* source, const ConversionFormat& sourceFormat, uint8_t* target,
-                   const ConversionFormat& targetFormat, size_t width, size_t height,
-                   DemosaicMethod method);
+// Bytes of a source block of that geometry, the padding of its last row not included.
+size_t SourceBytes(const ConversionFormat& format, const SourceBlock& source);
+
+// The caller has checked that both formats convert, that the geometry fits the source and that
+// both blocks hold it.
+void ConvertPixels(const SourceBlock& source, const ConversionFormat& sourceFormat, uint8_t* target,
+                   const ConversionFormat& targetFormat, DemosaicMethod method,
+                   Kernels kernels = Kernels::Fast);
 
 } // namespace Orvan
 

@@ -37,12 +37,13 @@ bool IsPacked(SampleStorage storage) {
            storage != SampleStorage::U24;
 }
 
-std::vector<uint32_t> ReadPacked(const uint8_t* block, size_t samples, SampleStorage storage) {
+std::vector<uint32_t> ReadPacked(const uint8_t* block, size_t bytes, size_t samples,
+                                 SampleStorage storage) {
     const PackedForm form = PackedFormOf(storage);
     const size_t groups = (samples + form.groupSamples - 1) / form.groupSamples;
     // The converters work on whole groups; the image's block may end inside the last one.
     std::vector<uint8_t> packed(groups * form.groupBytes, 0);
-    std::memcpy(packed.data(), block, StoredSize(samples, storage));
+    std::memcpy(packed.data(), block, std::min(bytes, StoredSize(samples, storage)));
     std::vector<uint8_t> words(groups * form.groupSamples * 2);
     form.unpack(packed.data(), words.data(), samples, 1, 1);
     std::vector<uint32_t> values(samples);
@@ -93,9 +94,10 @@ size_t StoredSize(size_t samples, SampleStorage storage) {
     return (samples * StorageBits(storage) + 7) / 8;
 }
 
-std::vector<uint32_t> ReadSamples(const uint8_t* block, size_t samples, SampleLayout layout) {
+std::vector<uint32_t> ReadSamples(const uint8_t* block, size_t bytes, size_t samples,
+                                  SampleLayout layout) {
     if (IsPacked(layout.storage))
-        return ReadPacked(block, samples, layout.storage);
+        return ReadPacked(block, bytes, samples, layout.storage);
     const size_t width = StorageBits(layout.storage) / 8;
     const uint32_t mask = static_cast<uint32_t>((uint64_t{1} << layout.bits) - 1);
     std::vector<uint32_t> values(samples);

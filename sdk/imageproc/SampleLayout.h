@@ -52,8 +52,10 @@ size_t StorageBits(SampleStorage storage);
 // Bytes of a block holding `samples` samples (a partial last byte counts whole).
 size_t StoredSize(size_t samples, SampleStorage storage);
 
-// Reads `samples` samples from a block of StoredSize bytes; values keep `bits` bits.
-std::vector<uint32_t> ReadSamples(const uint8_t* block, size_t samples, SampleLayout layout);
+// Reads `samples` samples from a block of `bytes` bytes; values keep `bits` bits. Bits past the
+// block (the partial byte that ends an image of an odd packed size may be missing) read as 0.
+std::vector<uint32_t> ReadSamples(const uint8_t* block, size_t bytes, size_t samples,
+                                  SampleLayout layout);
 
 // Stores the samples in a block of StoredSize bytes.
 std::vector<uint8_t> WriteSamples(const std::vector<uint32_t>& samples, SampleLayout layout);

@@ -21,7 +21,8 @@ IImage* NewImageLike(IImage& source, const std::vector<uint8_t>& pixels);
 template <class Function>
 IImage* MapSamples(IImage& image, SampleLayout layout, const ErrorSite& site, Function function) {
     const size_t samples = CountSamples(image, layout.storage, site);
-    std::vector<uint32_t> values = ReadSamples(image.GetData(), samples, layout);
+    std::vector<uint32_t> values =
+        ReadSamples(image.GetData(), image.GetSizeFilled(), samples, layout);
     for (uint32_t& value : values)
         value = function(value);
     return NewImageLike(image, WriteSamples(values, layout));

@@ -1,4 +1,4 @@
-#include <Base/GCStringVector.h>
+#include <Base/GCString.h>
 
 #include <gtest/gtest.h>
 
@@ -100,14 +100,4 @@ TEST(Gcstring, WorksAsContainerKey) {
     std::unordered_set<gcstring> names{"Width", "Height"};
     EXPECT_EQ(names.count("Width"), 1u);
     EXPECT_EQ(names.count("Depth"), 0u);
-}
-
-TEST(GcstringVector, HoldsStringsLikeAVector) {
-    GenICam::gcstring_vector list{"Off", "Once"};
-    list.push_back("Continuous");
-    ASSERT_EQ(list.size(), 3u);
-    EXPECT_EQ(list[2], "Continuous");
-    GenICam::gcstring_vector copy(list);
-    copy[0] = "Changed";
-    EXPECT_EQ(list[0], "Off");
 }

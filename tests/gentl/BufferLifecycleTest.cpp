@@ -9,19 +9,8 @@ using namespace Orvan::Producer;
 
 namespace {
 
-class BufferLifecycle : public ProducerFixture {
+class BufferLifecycle : public StreamFixture {
 protected:
-    void SetUp() override {
-        ProducerFixture::SetUp();
-        Open();
-        OpenStream();
-    }
-
-    void Start(uint64_t frames = GENTL_INFINITE) {
-        ASSERT_EQ(DSStartAcquisition(m_stream, ACQ_START_FLAGS_DEFAULT, frames), GC_ERR_SUCCESS);
-    }
-    void Stop() { ASSERT_EQ(DSStopAcquisition(m_stream, ACQ_STOP_FLAGS_DEFAULT), GC_ERR_SUCCESS); }
-
     // Streams until `count` buffers wait in the output queue, then stops.
     void FillOutput(size_t count) {
         Start(count);
@@ -117,10 +106,7 @@ TEST_F(BufferLifecycle, TheStartCountNeverEndsAcquisitionAndRestartingResetsTheC
     Start(3);
     for (int i = 0; i < 5; ++i)
         Take();
-    EXPECT_EQ(InfoAs<uint64_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return DSGetInfo(m_stream, STREAM_INFO_NUM_DELIVERED, t, b, s);
-              }),
-              5u);
+    EXPECT_EQ(InfoAs<uint64_t>(DSGetInfo, m_stream, STREAM_INFO_NUM_DELIVERED), 5u);
     EXPECT_EQ(DSStartAcquisition(m_stream, ACQ_START_FLAGS_DEFAULT, 1), GC_ERR_RESOURCE_IN_USE);
     Stop();
     Stop();                      // stopping a stopped stream changes nothing
@@ -128,10 +114,7 @@ TEST_F(BufferLifecycle, TheStartCountNeverEndsAcquisitionAndRestartingResetsTheC
     Start(1);
     Take();
     Stop();
-    EXPECT_EQ(InfoAs<uint64_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return DSGetInfo(m_stream, STREAM_INFO_NUM_DELIVERED, t, b, s);
-              }),
-              1u);
+    EXPECT_EQ(InfoAs<uint64_t>(DSGetInfo, m_stream, STREAM_INFO_NUM_DELIVERED), 1u);
     ExpectAccounted();
 }
 

@@ -9,15 +9,12 @@ using namespace Orvan::Producer;
 
 namespace {
 
-class Concurrency : public ProducerFixture {
+class Concurrency : public StreamFixture {
 protected:
     void SetUp() override {
-        ProducerFixture::SetUp();
-        Open();
-        OpenStream();
+        StreamFixture::SetUp();
         QueueAll(AllocBuffers(4));
-        ASSERT_EQ(DSStartAcquisition(m_stream, ACQ_START_FLAGS_DEFAULT, GENTL_INFINITE),
-                  GC_ERR_SUCCESS);
+        Start();
     }
 
     // A consumer that takes and requeues until a call fails; returns that failure.
@@ -90,7 +87,7 @@ TEST_F(Concurrency, ClosingTheDeviceWhileStreamingStopsItsStream) {
 TEST_F(Concurrency, ACameraLostWhileStreamingCanStillBeStoppedAndClosed) {
     Take();
     ASSERT_EQ(OrvanTC_SetDeviceConnected(m_deviceId.c_str(), 0), ORVAN_TC_OK);
-    ASSERT_EQ(DSStopAcquisition(m_stream, ACQ_STOP_FLAGS_DEFAULT), GC_ERR_SUCCESS);
+    Stop();
     ExpectAccounted();
     ASSERT_EQ(DSFlushQueue(m_stream, ACQ_QUEUE_ALL_DISCARD), GC_ERR_SUCCESS);
     for (BUFFER_HANDLE buffer = nullptr; DSGetBufferID(m_stream, 0, &buffer) == GC_ERR_SUCCESS;)

@@ -9,14 +9,8 @@ using namespace Orvan::Producer;
 
 namespace {
 
-class Events : public ProducerFixture {
+class Events : public StreamFixture {
 protected:
-    void SetUp() override {
-        ProducerFixture::SetUp();
-        Open();
-        OpenStream();
-    }
-
     // Runs EventGetData on another thread and returns its result once `action` has run. The
     // action follows the waiter's start after a pause long enough for it to be blocked.
     GC_ERROR WaitWhile(EVENT_HANDLE event, const std::function<void()>& action) {
@@ -62,8 +56,7 @@ TEST_F(Events, EventKillFromAnotherThreadAbortsTheWait) {
 }
 
 TEST_F(Events, StoppingAcquisitionAbortsAWaitingConsumer) {
-    ASSERT_EQ(DSStartAcquisition(m_stream, ACQ_START_FLAGS_DEFAULT, GENTL_INFINITE),
-              GC_ERR_SUCCESS);
+    Start();
     EXPECT_EQ(WaitWhile(m_newBuffer,
                         [&] {
                             EXPECT_EQ(DSStopAcquisition(m_stream, ACQ_STOP_FLAGS_DEFAULT),
@@ -97,28 +90,19 @@ TEST_F(Events, RegistrationIsOncePerTypeAndOnlyForSignalledTypes) {
 
 TEST_F(Events, ASmallBufferLeavesTheDeliveryQueued) {
     QueueAll(AllocBuffers(1)); // one buffer, so exactly one delivery whatever the camera sends
-    ASSERT_EQ(DSStartAcquisition(m_stream, ACQ_START_FLAGS_DEFAULT, 1), GC_ERR_SUCCESS);
+    Start(1);
     uint8_t small[8];
     size_t size = sizeof(small);
     for (int i = 0; i < 200 && StreamCount(STREAM_INFO_NUM_AWAIT_DELIVERY) == 0; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     EXPECT_EQ(EventGetData(m_newBuffer, small, &size, 1000), GC_ERR_BUFFER_TOO_SMALL);
     EXPECT_EQ(size, sizeof(EVENT_NEW_BUFFER_DATA));
-    EXPECT_EQ(InfoAs<size_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return EventGetInfo(m_newBuffer, EVENT_NUM_IN_QUEUE, t, b, s);
-              }),
-              1u);
-    EXPECT_EQ(InfoAs<uint64_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return EventGetInfo(m_newBuffer, EVENT_NUM_FIRED, t, b, s);
-              }),
-              1u);
-    EXPECT_EQ(InfoAs<int32_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return EventGetInfo(m_newBuffer, EVENT_EVENT_TYPE, t, b, s);
-              }),
-              EVENT_NEW_BUFFER);
+    EXPECT_EQ(InfoAs<size_t>(EventGetInfo, m_newBuffer, EVENT_NUM_IN_QUEUE), 1u);
+    EXPECT_EQ(InfoAs<uint64_t>(EventGetInfo, m_newBuffer, EVENT_NUM_FIRED), 1u);
+    EXPECT_EQ(InfoAs<int32_t>(EventGetInfo, m_newBuffer, EVENT_EVENT_TYPE), EVENT_NEW_BUFFER);
     ASSERT_EQ(EventFlush(m_newBuffer), GC_ERR_SUCCESS);
     EXPECT_EQ(StreamCount(STREAM_INFO_NUM_AWAIT_DELIVERY), 0u);
-    ASSERT_EQ(DSStopAcquisition(m_stream, ACQ_STOP_FLAGS_DEFAULT), GC_ERR_SUCCESS);
+    Stop();
     ExpectAccounted();
 }
 
@@ -127,20 +111,14 @@ TEST_F(Events, NewBufferDataNamesTheBufferAndItsUserPointer) {
     BUFFER_HANDLE buffer = nullptr;
     ASSERT_EQ(DSAllocAndAnnounceBuffer(m_stream, 512, &tag, &buffer), GC_ERR_SUCCESS);
     QueueAll({buffer});
-    ASSERT_EQ(DSStartAcquisition(m_stream, ACQ_START_FLAGS_DEFAULT, 1), GC_ERR_SUCCESS);
+    Start(1);
     EVENT_NEW_BUFFER_DATA data{};
     size_t size = sizeof(data);
     ASSERT_EQ(EventGetData(m_newBuffer, &data, &size, 2000), GC_ERR_SUCCESS);
     EXPECT_EQ(data.BufferHandle, buffer);
     EXPECT_EQ(data.pUserPointer, &tag);
-    EXPECT_EQ(InfoAs<void*>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return EventGetDataInfo(m_newBuffer, &data, size, EVENT_DATA_ID, t, b, s);
-              }),
-              buffer);
-    EXPECT_EQ(InfoAs<void*>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return EventGetDataInfo(m_newBuffer, &data, size, EVENT_DATA_VALUE, t, b, s);
-              }),
-              &tag);
+    EXPECT_EQ(InfoAs<void*>(EventGetDataInfo, m_newBuffer, &data, size, EVENT_DATA_ID), buffer);
+    EXPECT_EQ(InfoAs<void*>(EventGetDataInfo, m_newBuffer, &data, size, EVENT_DATA_VALUE), &tag);
 }
 
 TEST_F(Events, CameraEventsArriveAsGigEVisionEventData) {
@@ -152,14 +130,8 @@ TEST_F(Events, CameraEventsArriveAsGigEVisionEventData) {
     size_t size = sizeof(data);
     ASSERT_EQ(EventGetData(remote, data, &size, 1000), GC_ERR_SUCCESS);
     EXPECT_EQ(size, 32u);
-    EXPECT_EQ(InfoAs<uint64_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return EventGetDataInfo(remote, data, size, EVENT_DATA_NUMID, t, b, s);
-              }),
-              0x9002u);
-    EXPECT_EQ(InfoText([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return EventGetDataInfo(remote, data, size, EVENT_DATA_ID, t, b, s);
-              }),
-              "9002");
+    EXPECT_EQ(InfoAs<uint64_t>(EventGetDataInfo, remote, data, size, EVENT_DATA_NUMID), 0x9002u);
+    EXPECT_EQ(InfoText(EventGetDataInfo, remote, data, size, EVENT_DATA_ID), "9002");
     size = 4;
     Camera().FireEvent(0x9003);
     EXPECT_EQ(EventGetData(remote, data, &size, 1000), GC_ERR_BUFFER_TOO_SMALL);
@@ -170,8 +142,7 @@ TEST_F(Events, CameraEventsArriveAsGigEVisionEventData) {
 
 TEST_F(Events, TwoConsumersNeverReceiveTheSameBuffer) {
     QueueAll(AllocBuffers(4));
-    ASSERT_EQ(DSStartAcquisition(m_stream, ACQ_START_FLAGS_DEFAULT, GENTL_INFINITE),
-              GC_ERR_SUCCESS);
+    Start();
     std::mutex mutex;
     std::set<BUFFER_HANDLE> held;
     std::atomic<int> duplicates{0}, received{0};
@@ -198,6 +169,6 @@ TEST_F(Events, TwoConsumersNeverReceiveTheSameBuffer) {
     second.join();
     EXPECT_EQ(duplicates.load(), 0);
     EXPECT_EQ(received.load(), 80);
-    ASSERT_EQ(DSStopAcquisition(m_stream, ACQ_STOP_FLAGS_DEFAULT), GC_ERR_SUCCESS);
+    Stop();
     ExpectAccounted();
 }

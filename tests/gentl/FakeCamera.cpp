@@ -193,11 +193,17 @@ void FakeCamera::Fill(uint8_t* data, size_t size, uint64_t frameId, FrameInfo& i
     info.incomplete = info.dataLargerThanBuffer;
     const size_t copies = m_options.parts ? m_options.parts : 1;
     size_t written = 0;
-    for (size_t part = 0; part < copies && written + image <= size; ++part) {
+    for (size_t copy = 0; copy < copies && written + image <= size; ++copy) {
         std::memcpy(data + written, m_pattern.data(), image);
         std::memcpy(data + written, &frameId, sizeof(frameId));
+        FramePart part;
+        part.offset = written;
+        part.size = image;
+        part.format = info.pixelFormat;
+        part.width = info.width;
+        part.height = info.height;
+        info.parts.push_back(part);
         written += image;
-        info.partSizes.push_back(image);
     }
     if (m_options.chunks && needed <= size) {
         PutBigEndian32(data + written, kImageChunkId);
@@ -212,7 +218,6 @@ void FakeCamera::Fill(uint8_t* data, size_t size, uint64_t frameId, FrameInfo& i
                        : m_options.chunks ? 0x4001
                                           : GenTL::PAYLOAD_TYPE_IMAGE;
     info.containsChunkData = m_options.chunks;
-    info.partCount = m_options.parts;
 }
 
 void FakeCamera::Run(uint32_t index) {

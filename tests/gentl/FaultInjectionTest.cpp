@@ -51,8 +51,7 @@ TEST_F(FaultInjection, FrameFaultsReachTheCamera) {
     QueueAll(AllocBuffers(3));
     ASSERT_EQ(OrvanTC_InjectFrameFault(m_deviceId.c_str(), ORVAN_TC_FAULT_INCOMPLETE, 1),
               ORVAN_TC_OK);
-    ASSERT_EQ(DSStartAcquisition(m_stream, ACQ_START_FLAGS_DEFAULT, GENTL_INFINITE),
-              GC_ERR_SUCCESS);
+    Start();
     BUFFER_HANDLE first = Take();
     EXPECT_TRUE(BufferFlag(first, BUFFER_INFO_IS_INCOMPLETE));
     BUFFER_HANDLE second = Take();

@@ -32,10 +32,8 @@ TEST_F(ModuleTree, CamerasSpreadOverInterfacesAndAppearOnlyAfterAnUpdate) {
         char id[64];
         size_t size = sizeof(id);
         ASSERT_EQ(TLGetInterfaceID(m_system, i, id, &size), GC_ERR_SUCCESS);
-        EXPECT_EQ(InfoAs<uint64_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                      return TLGetInterfaceInfo(m_system, id, INTERFACE_INFO_ORVAN_GEV_MAC_ADDRESS,
-                                                t, b, s);
-                  }),
+        EXPECT_EQ(InfoAs<uint64_t>(TLGetInterfaceInfo, m_system, id,
+                                   INTERFACE_INFO_ORVAN_GEV_MAC_ADDRESS),
                   VirtualNetwork::InterfaceMac(i));
         IF_HANDLE interface = nullptr;
         ASSERT_EQ(TLOpenInterface(m_system, id, &interface), GC_ERR_SUCCESS);
@@ -88,18 +86,11 @@ TEST_F(ModuleTree, DeviceInfoHasTheTypesConsumersReadBack) {
         EXPECT_EQ(viaInterface, row.type) << row.cmd;
         EXPECT_EQ(viaDevice, row.type) << row.cmd;
     }
-    EXPECT_EQ(InfoAs<int64_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return DevGetInfo(m_device, DEVICE_INFO_ORVAN_GEV_MAC_ADDRESS, t, b, s);
-              }),
+    EXPECT_EQ(InfoAs<int64_t>(DevGetInfo, m_device, DEVICE_INFO_ORVAN_GEV_MAC_ADDRESS),
               int64_t(Camera().Identity().mac));
-    EXPECT_EQ(InfoText([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return DevGetInfo(m_device, DEVICE_INFO_SERIAL_NUMBER, t, b, s);
-              }),
+    EXPECT_EQ(InfoText(DevGetInfo, m_device, DEVICE_INFO_SERIAL_NUMBER),
               Camera().Identity().serialNumber);
-    EXPECT_EQ(InfoAs<bool8_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return DevGetInfo(m_device, DEVICE_INFO_ORVAN_CONNECTED, t, b, s);
-              }),
-              1);
+    EXPECT_EQ(InfoAs<bool8_t>(DevGetInfo, m_device, DEVICE_INFO_ORVAN_CONNECTED), 1);
     size_t size = 8;
     uint64_t value = 0;
     EXPECT_EQ(IFGetDeviceInfo(m_interface, m_deviceId.c_str(), DEVICE_INFO_ORVAN_CONNECTED, nullptr,
@@ -152,6 +143,7 @@ TEST_F(ModuleTree, StaleForeignAndMisplacedHandlesAreRejected) {
 
 TEST_F(ModuleTree, ModulesOpenOnceAndChildrenCloseWithTheirParent) {
     Open();
+    const std::string interfaceId = InfoText(IFGetInfo, m_interface, INTERFACE_INFO_ID);
     DEV_HANDLE second = nullptr;
     EXPECT_EQ(IFOpenDevice(m_interface, m_deviceId.c_str(), DEVICE_ACCESS_CONTROL, &second),
               GC_ERR_RESOURCE_IN_USE);
@@ -172,22 +164,18 @@ TEST_F(ModuleTree, ModulesOpenOnceAndChildrenCloseWithTheirParent) {
     EXPECT_EQ(IFGetNumDevices(m_interface, &count), GC_ERR_INVALID_HANDLE);
     EXPECT_EQ(DSGetNumFlows(m_stream, &count), GC_ERR_INVALID_HANDLE);
     ASSERT_EQ(TLOpen(&m_system), GC_ERR_SUCCESS) << "the system can be opened again";
+    // Consumers that keep ids open the camera by them, without listing anything again.
+    ASSERT_EQ(TLOpenInterface(m_system, interfaceId.c_str(), &m_interface), GC_ERR_SUCCESS);
+    EXPECT_EQ(IFOpenDevice(m_interface, m_deviceId.c_str(), DEVICE_ACCESS_CONTROL, &m_device),
+              GC_ERR_SUCCESS);
 }
 
 TEST_F(ModuleTree, AccessStatusFollowsTheOpenFlags) {
     Open(DEVICE_ACCESS_READONLY);
-    auto status = [&](auto query) {
-        return InfoAs<int32_t>(
-            [&](INFO_DATATYPE* t, void* b, size_t* s) { return query(t, b, s); });
-    };
-    EXPECT_EQ(status([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return DevGetInfo(m_device, DEVICE_INFO_ACCESS_STATUS, t, b, s);
-              }),
+    EXPECT_EQ(InfoAs<int32_t>(DevGetInfo, m_device, DEVICE_INFO_ACCESS_STATUS),
               DEVICE_ACCESS_STATUS_READONLY);
-    EXPECT_EQ(status([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return IFGetDeviceInfo(m_interface, m_deviceId.c_str(), DEVICE_INFO_ACCESS_STATUS,
-                                         t, b, s);
-              }),
+    EXPECT_EQ(InfoAs<int32_t>(IFGetDeviceInfo, m_interface, m_deviceId.c_str(),
+                              DEVICE_INFO_ACCESS_STATUS),
               DEVICE_ACCESS_STATUS_OPEN_READONLY);
     PORT_HANDLE remote = nullptr;
     ASSERT_EQ(DevGetPort(m_device, &remote), GC_ERR_SUCCESS);
@@ -208,9 +196,7 @@ TEST_F(ModuleTree, NetworkExtensionsReachTheCamera) {
     Open();
     const uint64_t mac = Camera().Identity().mac;
     ASSERT_EQ(IFForceIp(m_interface, mac, 0x0A000005, 0xFFFFFF00, 0x0A000001), GC_ERR_SUCCESS);
-    EXPECT_EQ(InfoAs<uint32_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return DevGetInfo(m_device, DEVICE_INFO_ORVAN_GEV_IP_ADDRESS, t, b, s);
-              }),
+    EXPECT_EQ(InfoAs<uint32_t>(DevGetInfo, m_device, DEVICE_INFO_ORVAN_GEV_IP_ADDRESS),
               0x0A000005u);
     EXPECT_EQ(IFForceIp(m_interface, 0x1234, 1, 2, 3), GC_ERR_INVALID_ID);
     ASSERT_EQ(DevSendActionCommand(m_device, 0xCAFE, 1, 1, 0), GC_ERR_SUCCESS);
@@ -241,9 +227,7 @@ TEST_F(ModuleTree, ALostDeviceFailsLikeOneAndComesBack) {
     ASSERT_EQ(GCRegisterEvent(m_device, EVENT_ERROR, &error), GC_ERR_SUCCESS);
     ASSERT_EQ(OrvanTC_SetDeviceConnected(m_deviceId.c_str(), 0), ORVAN_TC_OK);
     auto connected = [&] {
-        return InfoAs<bool8_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-            return DevGetInfo(m_device, DEVICE_INFO_ORVAN_CONNECTED, t, b, s);
-        });
+        return InfoAs<bool8_t>(DevGetInfo, m_device, DEVICE_INFO_ORVAN_CONNECTED);
     };
     EXPECT_EQ(connected(), 0);
     PORT_HANDLE remote = nullptr;
@@ -257,10 +241,7 @@ TEST_F(ModuleTree, ALostDeviceFailsLikeOneAndComesBack) {
     uint8_t data[256];
     size = sizeof(data);
     ASSERT_EQ(EventGetData(error, data, &size, 1000), GC_ERR_SUCCESS);
-    EXPECT_EQ(InfoAs<int32_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return EventGetDataInfo(error, data, size, EVENT_DATA_ID, t, b, s);
-              }),
-              GC_ERR_IO);
+    EXPECT_EQ(InfoAs<int32_t>(EventGetDataInfo, error, data, size, EVENT_DATA_ID), GC_ERR_IO);
     bool8_t changed = 0;
     uint32_t devices = 9;
     ASSERT_EQ(IFUpdateDeviceList(m_interface, &changed, 100), GC_ERR_SUCCESS);

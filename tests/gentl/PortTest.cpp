@@ -18,19 +18,6 @@ std::string PortUrl(PORT_HANDLE port) {
     return url;
 }
 
-std::string ReadDescription(PORT_HANDLE port) {
-    uint64_t address = 0, length = 0;
-    size_t size = 8;
-    EXPECT_EQ(GCGetPortURLInfo(port, 0, URL_INFO_FILE_REGISTER_ADDRESS, nullptr, &address, &size),
-              GC_ERR_SUCCESS);
-    EXPECT_EQ(GCGetPortURLInfo(port, 0, URL_INFO_FILE_SIZE, nullptr, &length, &size),
-              GC_ERR_SUCCESS);
-    std::string xml(length, '\0');
-    size = length;
-    EXPECT_EQ(GCReadPort(port, address, xml.data(), &size), GC_ERR_SUCCESS);
-    return xml;
-}
-
 // The description of one module, parsed, with access to a feature's register.
 class ModulePort {
 public:
@@ -80,14 +67,7 @@ private:
     pugi::xml_parse_result m_parsed;
 };
 
-class Ports : public ProducerFixture {
-protected:
-    void SetUp() override {
-        ProducerFixture::SetUp();
-        Open();
-        OpenStream();
-    }
-};
+using Ports = StreamFixture;
 
 } // namespace
 
@@ -127,10 +107,7 @@ TEST_F(Ports, EveryModuleServesAWellFormedDescriptionWithTheFeaturesConsumersRea
         std::string url = PortUrl(row.port);
         EXPECT_EQ(url.rfind("local:", 0), 0u);
         EXPECT_NE(url.find(row.fileNamePart), std::string::npos) << url;
-        EXPECT_EQ(InfoText([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                      return GCGetPortInfo(row.port, PORT_INFO_MODULE, t, b, s);
-                  }),
-                  row.module);
+        EXPECT_EQ(InfoText(GCGetPortInfo, row.port, PORT_INFO_MODULE), row.module);
         ModulePort port(row.port);
         ASSERT_TRUE(port.WellFormed());
         EXPECT_EQ(port.Root().attribute("SchemaMajorVersion").as_int(), 1);
@@ -186,11 +163,10 @@ TEST_F(Ports, NewestOnlyKeepsJustTheLatestFrameWaiting) {
     ModulePort stream(m_stream);
     ASSERT_EQ(stream.WriteInt("StreamBufferHandlingMode", 3), GC_ERR_SUCCESS);
     QueueAll(AllocBuffers(4));
-    ASSERT_EQ(DSStartAcquisition(m_stream, ACQ_START_FLAGS_DEFAULT, GENTL_INFINITE),
-              GC_ERR_SUCCESS);
+    Start();
     for (int i = 0; i < 400 && stream.ReadInt("StreamDeliveredFrameCount") < 6; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    ASSERT_EQ(DSStopAcquisition(m_stream, ACQ_STOP_FLAGS_DEFAULT), GC_ERR_SUCCESS);
+    Stop();
     EXPECT_GE(stream.ReadInt("StreamDeliveredFrameCount"), 6);
     EXPECT_EQ(StreamCount(STREAM_INFO_NUM_AWAIT_DELIVERY), 1u);
     ExpectAccounted();
@@ -200,22 +176,10 @@ TEST_F(Ports, TheRemotePortForwardsToTheCamera) {
     PORT_HANDLE remote = nullptr;
     ASSERT_EQ(DevGetPort(m_device, &remote), GC_ERR_SUCCESS);
     EXPECT_EQ(PortUrl(remote), Camera().DescriptionUrl());
-    EXPECT_EQ(InfoAs<int32_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return GCGetPortURLInfo(remote, 0, URL_INFO_FILE_VER_MINOR, t, b, s);
-              }),
-              3);
-    EXPECT_EQ(InfoAs<int32_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return GCGetPortURLInfo(remote, 0, URL_INFO_SCHEME, t, b, s);
-              }),
-              URL_SCHEME_LOCAL);
-    EXPECT_EQ(InfoText([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return GCGetPortURLInfo(remote, 0, URL_INFO_FILENAME, t, b, s);
-              }),
-              "FakeCamera.xml");
-    EXPECT_EQ(InfoText([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return GCGetPortInfo(remote, PORT_INFO_PORTNAME, t, b, s);
-              }),
-              "Device");
+    EXPECT_EQ(InfoAs<int32_t>(GCGetPortURLInfo, remote, 0, URL_INFO_FILE_VER_MINOR), 3);
+    EXPECT_EQ(InfoAs<int32_t>(GCGetPortURLInfo, remote, 0, URL_INFO_SCHEME), URL_SCHEME_LOCAL);
+    EXPECT_EQ(InfoText(GCGetPortURLInfo, remote, 0, URL_INFO_FILENAME), "FakeCamera.xml");
+    EXPECT_EQ(InfoText(GCGetPortInfo, remote, PORT_INFO_PORTNAME), "Device");
     uint32_t numUrls = 0;
     ASSERT_EQ(GCGetNumPortURLs(remote, &numUrls), GC_ERR_SUCCESS);
     EXPECT_EQ(numUrls, 1u);

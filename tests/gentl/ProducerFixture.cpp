@@ -17,6 +17,20 @@ std::string ProducerErrorText() {
     return text;
 }
 
+// The description file a module port serves, read where its first URL points.
+std::string ReadDescription(PORT_HANDLE port) {
+    uint64_t address = 0, length = 0;
+    size_t size = 8;
+    EXPECT_EQ(GCGetPortURLInfo(port, 0, URL_INFO_FILE_REGISTER_ADDRESS, nullptr, &address, &size),
+              GC_ERR_SUCCESS);
+    EXPECT_EQ(GCGetPortURLInfo(port, 0, URL_INFO_FILE_SIZE, nullptr, &length, &size),
+              GC_ERR_SUCCESS);
+    std::string xml(length, '\0');
+    size = length;
+    EXPECT_EQ(GCReadPort(port, address, xml.data(), &size), GC_ERR_SUCCESS);
+    return xml;
+}
+
 void ProducerFixture::SetUp() {
     UseCameras(1, FakeCamera::Options());
 }
@@ -78,9 +92,7 @@ void ProducerFixture::QueueAll(const std::vector<BUFFER_HANDLE>& buffers) {
 }
 
 bool ProducerFixture::BufferFlag(BUFFER_HANDLE buffer, BUFFER_INFO_CMD cmd) {
-    return InfoAs<bool8_t>([&](INFO_DATATYPE* type, void* value, size_t* size) {
-               return DSGetBufferInfo(m_stream, buffer, cmd, type, value, size);
-           }) != 0;
+    return InfoAs<bool8_t>(DSGetBufferInfo, m_stream, buffer, cmd) != 0;
 }
 
 uint64_t ProducerFixture::BufferValue(BUFFER_HANDLE buffer, BUFFER_INFO_CMD cmd) {
@@ -91,9 +103,15 @@ uint64_t ProducerFixture::BufferValue(BUFFER_HANDLE buffer, BUFFER_INFO_CMD cmd)
 }
 
 size_t ProducerFixture::StreamCount(STREAM_INFO_CMD cmd) {
-    return InfoAs<size_t>([&](INFO_DATATYPE* type, void* value, size_t* size) {
-        return DSGetInfo(m_stream, cmd, type, value, size);
-    });
+    return InfoAs<size_t>(DSGetInfo, m_stream, cmd);
+}
+
+void ProducerFixture::Start(uint64_t frames) {
+    ASSERT_EQ(DSStartAcquisition(m_stream, ACQ_START_FLAGS_DEFAULT, frames), GC_ERR_SUCCESS);
+}
+
+void ProducerFixture::Stop() {
+    ASSERT_EQ(DSStopAcquisition(m_stream, ACQ_STOP_FLAGS_DEFAULT), GC_ERR_SUCCESS);
 }
 
 BUFFER_HANDLE ProducerFixture::Take(uint64_t timeoutMs) {

@@ -18,30 +18,31 @@
 namespace Orvan {
 namespace Producer {
 
-// Reads an info value of type T through any of the GenTL info functions.
-template <typename T, typename Query>
-T InfoAs(Query query) {
+// Reads an info value of type T through any GenTL info function: fn(args..., type, buffer, size).
+template <typename T, typename Fn, typename... Args>
+T InfoAs(Fn fn, Args... args) {
     T value{};
     GenTL::INFO_DATATYPE type = GenTL::INFO_DATATYPE_UNKNOWN;
     size_t size = sizeof(T);
-    EXPECT_EQ(query(&type, &value, &size), GenTL::GC_ERR_SUCCESS);
+    EXPECT_EQ(fn(args..., &type, &value, &size), GenTL::GC_ERR_SUCCESS);
     EXPECT_EQ(size, sizeof(T));
     return value;
 }
 
-template <typename Query>
-std::string InfoText(Query query) {
+template <typename Fn, typename... Args>
+std::string InfoText(Fn fn, Args... args) {
     size_t size = 0;
     GenTL::INFO_DATATYPE type = GenTL::INFO_DATATYPE_UNKNOWN;
-    EXPECT_EQ(query(&type, nullptr, &size), GenTL::GC_ERR_SUCCESS);
+    EXPECT_EQ(fn(args..., &type, nullptr, &size), GenTL::GC_ERR_SUCCESS);
     std::string text(size, '\0');
-    EXPECT_EQ(query(&type, text.data(), &size), GenTL::GC_ERR_SUCCESS);
+    EXPECT_EQ(fn(args..., &type, text.data(), &size), GenTL::GC_ERR_SUCCESS);
     EXPECT_EQ(type, GenTL::INFO_DATATYPE_STRING);
     text.resize(size ? size - 1 : 0);
     return text;
 }
 
 std::string ProducerErrorText();
+std::string ReadDescription(GenTL::PORT_HANDLE port);
 
 class ProducerFixture : public ::testing::Test {
 protected:
@@ -62,6 +63,8 @@ protected:
     uint64_t BufferValue(GenTL::BUFFER_HANDLE buffer, GenTL::BUFFER_INFO_CMD cmd);
     size_t StreamCount(GenTL::STREAM_INFO_CMD cmd);
 
+    void Start(uint64_t frames = GENTL_INFINITE);
+    void Stop();
     // Takes one delivered buffer; fails the test on anything but success.
     GenTL::BUFFER_HANDLE Take(uint64_t timeoutMs = 2000);
     // On a stopped stream: every announced buffer is in exactly one place (input pool, output
@@ -76,6 +79,16 @@ protected:
     std::string m_deviceId;
     std::set<GenTL::BUFFER_HANDLE> m_held; // delivered and not yet requeued
     std::vector<FakeCamera*> m_cameras;
+};
+
+// The producer opened down to the first camera's stream, with its new-buffer event.
+class StreamFixture : public ProducerFixture {
+protected:
+    void SetUp() override {
+        ProducerFixture::SetUp();
+        Open();
+        OpenStream();
+    }
 };
 
 } // namespace Producer

@@ -16,9 +16,6 @@ protected:
         Open();
         OpenStream();
     }
-    void Start(uint64_t frames = GENTL_INFINITE) {
-        ASSERT_EQ(DSStartAcquisition(m_stream, ACQ_START_FLAGS_DEFAULT, frames), GC_ERR_SUCCESS);
-    }
     uint64_t FrameStamp(BUFFER_HANDLE buffer) {
         uint64_t stamp = 0;
         std::memcpy(&stamp, reinterpret_cast<void*>(BufferValue(buffer, BUFFER_INFO_BASE)), 8);
@@ -60,13 +57,8 @@ TEST_F(Streaming, FramesArriveInOrderWithTheirDescription) {
         EXPECT_EQ(parts, 0u);
         QueueAll({buffer});
     }
-    EXPECT_GE(InfoAs<uint64_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                  return DSGetInfo(m_stream, STREAM_INFO_NUM_STARTED, t, b, s);
-              }),
-              20u);
-    EXPECT_TRUE(InfoAs<bool8_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-        return DSGetInfo(m_stream, STREAM_INFO_IS_GRABBING, t, b, s);
-    }));
+    EXPECT_GE(InfoAs<uint64_t>(DSGetInfo, m_stream, STREAM_INFO_NUM_STARTED), 20u);
+    EXPECT_TRUE(InfoAs<bool8_t>(DSGetInfo, m_stream, STREAM_INFO_IS_GRABBING));
     EXPECT_EQ(StreamCount(STREAM_INFO_PAYLOAD_SIZE), 512u);
 }
 
@@ -179,9 +171,7 @@ TEST_F(Streaming, WithoutQueuedBuffersFramesAreCountedLost) {
     OpenWith(FakeCamera::Options());
     Start();
     for (int i = 0; i < 200; ++i) {
-        if (InfoAs<uint64_t>([&](INFO_DATATYPE* t, void* b, size_t* s) {
-                return DSGetInfo(m_stream, STREAM_INFO_NUM_UNDERRUN, t, b, s);
-            }) > 0)
+        if (InfoAs<uint64_t>(DSGetInfo, m_stream, STREAM_INFO_NUM_UNDERRUN) > 0)
             return;
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }

@@ -75,7 +75,11 @@ def test_event_callback_via_on_change(camera):
     assert not camera.features.remove_callback(handle)
 
 
-def test_other_threads_run_while_get_image_waits(triggered):
+@pytest.mark.parametrize("wait", [
+    lambda camera: camera.get_image(timeout=0.5),
+    lambda camera: next(camera.images(timeout=0.5)),
+])
+def test_other_threads_run_while_an_image_is_awaited(triggered, wait):
     ticks = []
     stop = threading.Event()
 
@@ -87,10 +91,11 @@ def test_other_threads_run_while_get_image_waits(triggered):
     worker = threading.Thread(target=count)
     worker.start()
     before = len(ticks)
-    with pytest.raises(orvan.TimeoutException):
-        triggered.get_image(timeout=0.5)
+    with pytest.raises(TimeoutError) as raised:
+        wait(triggered)
     stop.set()
     worker.join()
+    assert isinstance(raised.value, orvan.TimeoutException)
     assert len(ticks) - before > 50
 
 
@@ -104,20 +109,29 @@ def test_ctrl_c_interrupts_an_endless_wait(triggered):
     timer.join()
 
 
-def test_memory_stable_over_ten_thousand_images(camera):
+def through_the_loop(camera, count):
+    for image in camera.images(count=count):
+        image.array.sum()
+
+
+def one_by_one(camera, count):
+    for _ in range(count):
+        with camera.get_image() as image:
+            image.array.sum()
+
+
+@pytest.mark.parametrize("take", [through_the_loop, one_by_one])
+def test_memory_stable_over_ten_thousand_images(camera, take):
     camera.features["Width"] = 16
     camera.features["Height"] = 16
     camera.features["ExposureTime"] = 1.0
     with camera.acquire(buffers=8):
-        for image in camera.images(count=500):
-            image.array.sum()
+        take(camera, 500)
         gc.collect()
         tracemalloc.start()
         objects = len(gc.get_objects())
         base, _ = tracemalloc.get_traced_memory()
-        for image in camera.images(count=10000):
-            image.array.sum()
-        del image
+        take(camera, 10000)
         gc.collect()
         grown = tracemalloc.get_traced_memory()[0] - base
         tracemalloc.stop()

@@ -1,6 +1,7 @@
 // Demosaicing quality on natural photographs: each is mosaiced into every Bayer layout,
 // demosaiced by each method and compared with the original. The floors catch a broken method
-// (a layout mix-up costs more than 10 dB); the table printed is the measurement.
+// (a layout mix-up costs more than 10 dB; without its median step the adaptive method falls within
+// 1 dB of the linear one); the table printed is the measurement.
 #include "ProcessingTestSupport.h"
 #include "buffer/PFNCCustom.h"
 
@@ -89,7 +90,8 @@ TEST_F(DemosaicQuality, MethodsRankAndStayAboveTheirFloors) {
         }
         const double bilinear = worst[DemosaicMethod::Bilinear];
         EXPECT_GT(bilinear, 24.0) << name;
-        EXPECT_GT(worst[DemosaicMethod::HighQualityLinear], bilinear + 1.5) << name;
-        EXPECT_GT(worst[DemosaicMethod::AdaptiveHomogeneityDirected], bilinear + 2.5) << name;
+        const double high = worst[DemosaicMethod::HighQualityLinear];
+        EXPECT_GT(high, bilinear + 2.5) << name;
+        EXPECT_GT(worst[DemosaicMethod::AdaptiveHomogeneityDirected], high + 1.0) << name;
     }
 }

@@ -251,3 +251,21 @@ TEST_F(Callbacks, ChunksShowTheImagesValuesAndTheCrcCatchesCorruption) {
     }
     device->StopStream();
 }
+
+// A factory copy of a chunk image reads its chunks after its device is gone.
+TEST_F(Callbacks, ChunkImageCopiesOutliveTheirDevice) {
+    Open({"Mono"});
+    Orvan::IDevice* device = Create();
+    Orvan::SetNodeValue<bool>(device->GetNodeMap(), "ChunkModeActive", true);
+    device->StartStream(2);
+    Orvan::IImage* delivered = device->GetImage(kWaitMs);
+    GenApi::CIntegerPtr frame = delivered->AsChunkData()->GetChunk("ChunkFrameID");
+    const int64_t id = frame->GetValue();
+    Orvan::IImage* copy = Orvan::ImageFactory::Copy(delivered);
+    device->RequeueBuffer(delivered);
+    device->StopStream();
+    Destroy(device);
+    EXPECT_TRUE(copy->VerifyCRC());
+    EXPECT_EQ(GenApi::CIntegerPtr(copy->AsChunkData()->GetChunk("ChunkFrameID"))->GetValue(), id);
+    Orvan::ImageFactory::Destroy(copy); // the chunk nodes it parsed against go with it
+}

@@ -134,15 +134,6 @@ TEST_F(Discovery, UpdatingAnUnknownInterfaceIsRefused) {
               "InvalidArgumentException: Interface not found (System, UpdateDevices)");
 }
 
-TEST_F(Discovery, OneInterfaceThatAnswersIsEnough) {
-    CameraSetup cameras({"Mono", "Color"}, 2);
-    Open();
-    for (uint32_t failing = 1; failing <= 2; ++failing) {
-        OrvanTC_FailCall("IFUpdateDeviceList", failing, GenTL::GC_ERR_IO, "cable pulled");
-        EXPECT_NO_THROW(system->UpdateDevices(10)) << "failing call " << failing;
-    }
-}
-
 TEST_F(Discovery, DiscoveryFailuresNameTheirCallAndCarryTheProducerText) {
     Open();
     system->UpdateDevices(10);

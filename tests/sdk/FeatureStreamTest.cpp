@@ -29,6 +29,11 @@ const std::string kHeader = "# {05D8C294-F295-4dfb-9D01-096BD04049F4}\n"
                             "# GenApi persistence file (version 3.3.0)\n"
                             "# \n";
 
+std::string Refusal(const std::string& name) {
+    return "LogicalErrorException: Selected feature " + name +
+           " not streamable (FeatureStream, Select)";
+}
+
 std::string Contents(const std::string& path) {
     std::ifstream file(path);
     std::stringstream text;
@@ -129,27 +134,8 @@ TEST_F(FeatureStreamTest, WholeMapComesBackAfterDeviceReset) {
 
     FeatureStream(nodeMap).Read(Path("camera.txt"));
 
-    EXPECT_EQ(GetNodeValue<int64_t>(nodeMap, "Width"), 64);
-    EXPECT_EQ(GetNodeValue<int64_t>(nodeMap, "Height"), 32);
-    EXPECT_EQ(GetNodeValue<int64_t>(nodeMap, "OffsetX"), 16);
-    EXPECT_EQ(GetNodeValue<gcstring>(nodeMap, "PixelFormat"), "Mono12");
-    EXPECT_TRUE(GetNodeValue<bool>(nodeMap, "ReverseY"));
-    EXPECT_EQ(GetNodeValue<gcstring>(nodeMap, "TestPattern"), "ColorBar");
-    EXPECT_EQ(GetNodeValue<gcstring>(nodeMap, "AcquisitionMode"), "MultiFrame");
-    EXPECT_EQ(GetNodeValue<int64_t>(nodeMap, "AcquisitionFrameCount"), 7);
-    EXPECT_EQ(GetNodeValue<double>(nodeMap, "ExposureTime"), 100.0);
-    EXPECT_EQ(GetNodeValue<double>(nodeMap, "Gain"), 6.5);
-    EXPECT_EQ(GetNodeValue<double>(nodeMap, "Gamma"), 0.5);
-    EXPECT_EQ(GetNodeValue<gcstring>(nodeMap, "TriggerMode"), "On");
-    EXPECT_EQ(GetNodeValue<gcstring>(nodeMap, "TriggerSource"), "Line0");
-    EXPECT_TRUE(GetNodeValue<bool>(nodeMap, "ChunkModeActive"));
     // The selector is left where it was saved.
     EXPECT_EQ(GetNodeValue<gcstring>(nodeMap, "ChunkSelector"), "Gain");
-    EXPECT_FALSE(ChunkEnabled(nodeMap, "Timestamp"));
-    EXPECT_FALSE(ChunkEnabled(nodeMap, "FrameID"));
-    EXPECT_TRUE(ChunkEnabled(nodeMap, "Image"));
-    EXPECT_TRUE(ChunkEnabled(nodeMap, "Gain"));
-    SetNodeValue<gcstring>(nodeMap, "ChunkSelector", "Gain");
     // Every feature of the whole-map save, under every selector value, has its value back.
     EXPECT_EQ(WholeMap(nodeMap), saved);
 }
@@ -214,17 +200,7 @@ TEST_F(FeatureStreamTest, SelectRefusesWhatIsNotAStreamableValue) {
          {"DeviceReset", "UserSetLoad", "NoSuchFeature", "", "AcquisitionControl", "PayloadSize",
           "DeviceTemperature", "DeviceUserID"}) {
         FeatureStream stream(nodeMap);
-        try {
-            stream.Select(name);
-            ADD_FAILURE() << name << " was selected";
-        } catch (const GenICam::LogicalErrorException& e) {
-            EXPECT_STREQ(e.GetDescription(),
-                         (std::string("LogicalErrorException: Selected feature ") + name +
-                          " not streamable (FeatureStream, Select)")
-                             .c_str());
-            EXPECT_NE(std::string(e.GetSourceFileName()).find("FeatureStream"), std::string::npos);
-            EXPECT_GT(e.GetSourceLine(), 0u);
-        }
+        EXPECT_EQ(SpineTest::Message([&] { stream.Select(name); }), Refusal(name));
     }
     // The command was not executed: the camera keeps its settings.
     EXPECT_EQ(GetNodeValue<int64_t>(nodeMap, "Width"), 64);
@@ -272,16 +248,8 @@ TEST(FeatureStreamDescription, SelectRefusesCommandsMarkedStreamable) {
         [](GenApi::INodeMap* map) { dynamic_cast<GenApi::IDestroy*>(map)->Destroy(); });
     ASSERT_TRUE(nodeMap->GetNode("Go")->IsStreamable());
     FeatureStream stream(nodeMap.get());
-    for (const char* name : {"Go", "Root"}) {
-        try {
-            stream.Select(name);
-            ADD_FAILURE() << name << " was selected";
-        } catch (const GenICam::LogicalErrorException& e) {
-            EXPECT_EQ(std::string(e.GetDescription()),
-                      std::string("LogicalErrorException: Selected feature ") + name +
-                          " not streamable (FeatureStream, Select)");
-        }
-    }
+    for (const char* name : {"Go", "Root"})
+        EXPECT_EQ(SpineTest::Message([&] { stream.Select(name); }), Refusal(name));
     stream.Select("Level");
     const std::string path = testing::TempDir() + "orvan-streams-" + std::to_string(getpid());
     stream.Write(path);
@@ -310,14 +278,8 @@ TEST_F(FeatureStreamTest, ReaderRefusesEmptyForeignAndBaggerFiles) {
         {Path("bagger.txt"), "The stream has been created using the CFeatureBagger class thus "
                              "must be restored using the CFeatureBagger class as well"},
     };
-    for (const Case& c : cases) {
-        try {
-            FeatureStream(nodeMap).Read(c.file);
-            ADD_FAILURE() << c.file << " was read";
-        } catch (const GenICam::RuntimeException& e) {
-            EXPECT_STREQ(e.GetDescription(), c.message) << c.file;
-        }
-    }
+    for (const Case& c : cases)
+        EXPECT_EQ(SpineTest::Message([&] { FeatureStream(nodeMap).Read(c.file); }), c.message);
     EXPECT_EQ(GetNodeValue<int64_t>(nodeMap, "Width"), 64);
 
     // Comments after the first line are skipped; a feature that cannot be set is passed over

@@ -1,5 +1,6 @@
 // The SDK on our own GigE Vision camera emulator over loopback: long streams through packet
-// loss, camera events, action commands and a camera that drops off the network and returns.
+// loss (multipart ones too), camera events, action commands and a camera that drops off the network
+// and returns.
 #include "DeviceTestSupport.h"
 #include "EmulatedCamera.h"
 #include "GigeTestSupport.h"
@@ -118,6 +119,42 @@ TEST_P(LossyLink, AThousandImagesArriveIntactAndInOrderWithLostPacketsResent) {
         EXPECT_GT(StreamValue("StreamResentPacketCount"), 0);
     else
         EXPECT_EQ(StreamValue("StreamResendRequestCount"), 0);
+}
+
+// The line-scan camera's multipart stream stacks three frames a buffer, sent as multi-part
+// blocks; a path of standard Ethernet frames splits every part over two packets.
+TEST_P(LossyLink, MultipartBuffersStackIntactFrames) {
+    EmulatorOptions options;
+    options.model = "LineScan";
+    options.packetLossPercent = GetParam();
+    options.seed = 9;
+    options.maxPacketSize = 1500;
+    OpenCamera(options);
+    Orvan::SetNodeValue<bool>(nodes, "AcquisitionFrameRateEnable", true);
+    Orvan::SetNodeValue<double>(nodes, "AcquisitionFrameRate", 300.0);
+    Orvan::SetNodeValue<bool>(device->GetTLDeviceNodeMap(), "StreamMultipartEnable", true);
+    Orvan::SetNodeValue<int64_t>(device->GetTLStreamNodeMap(), "StreamMultipartNumParts", 3);
+    device->StartStream(64);
+    constexpr size_t kPart = 64 * 32;
+    uint64_t next = 0;
+    for (int buffer = 0; buffer < 100; ++buffer) {
+        Orvan::IImage* image = device->GetImage(kWaitMs);
+        ASSERT_EQ(image->GetHeight(), 3u * 32);
+        for (size_t part = 0; part < 3; ++part) {
+            const uint8_t* data = image->GetData() + part * kPart;
+            const uint64_t stamp = Orvan::Producer::ReadFrameStamp(data, kPart);
+            next = next == 0 ? stamp : next;
+            ASSERT_EQ(stamp, next++) << "a frame was lost";
+            ASSERT_TRUE(Orvan::Producer::MatchesTestPattern(
+                0x01080001, 64, 32, Orvan::Producer::PatternKind::MovingDiagonal, stamp, data,
+                kPart))
+                << "buffer " << buffer << " part " << part << " damaged";
+        }
+        device->RequeueBuffer(image);
+    }
+    device->StopStream();
+    EXPECT_EQ(StreamValue("StreamIncompleteFrameCount"), 0);
+    EXPECT_EQ(StreamValue("StreamResentPacketCount") > 0, GetParam() > 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Loss, LossyLink, ::testing::Values(0.0, 1.0, 5.0));

@@ -1,9 +1,9 @@
 #include "FactorySystem.h"
 #include "FakeDataStream.h"
+#include "SpineTestSupport.h"
 #include "buffer/CompressedImageExtendedChunk.h"
 #include "buffer/ImageExtendedChunk.h"
 
-#include <GenTL/OrvanTestControl.h>
 #include <Orvan/ImageFactory.h>
 #include <Orvan/OrvanApi.h>
 
@@ -14,19 +14,9 @@
 #include <vector>
 
 using namespace Orvan;
+using SpineTest::Message;
 
 namespace {
-
-// Runs `operation` and expects E with exactly `message`.
-template <class E>
-void ExpectFailure(const std::function<void()>& operation, const std::string& message) {
-    try {
-        operation();
-        ADD_FAILURE() << "no exception, expected: " << message;
-    } catch (const E& e) {
-        EXPECT_EQ(std::string(e.what()), message);
-    }
-}
 
 std::string Invalid(const std::string& description, const char* function) {
     return "InvalidArgumentException: " + description + " (ImageFactory, " + function + ")";
@@ -64,9 +54,10 @@ TEST_F(ImageFactoryTest, CreateChecksInOrder) {
          Invalid("Buffer length 14 does not match expected 13 (Create)", "CheckLen")},
     };
     for (const auto& row : rows)
-        ExpectFailure<GenICam::InvalidArgumentException>(
-            [&] { ImageFactory::Create(row.data, row.size, row.width, row.height, row.format); },
-            row.message);
+        EXPECT_EQ(Message([&] {
+                      ImageFactory::Create(row.data, row.size, row.width, row.height, row.format);
+                  }),
+                  row.message);
     IImage* packed = ImageFactory::Create(data, 13, 3, 3, Mono12p);
     EXPECT_EQ(packed->GetSizeFilled(), 13u);
     ImageFactory::Destroy(packed);
@@ -95,9 +86,8 @@ TEST_F(ImageFactoryTest, CreateEmptyIsZeroed) {
               std::vector<uint8_t>(8, 0));
     EXPECT_EQ(image->GetSizeFilled(), 8u);
     ImageFactory::Destroy(image);
-    ExpectFailure<GenICam::InvalidArgumentException>(
-        [] { ImageFactory::CreateEmpty(7, 2, 2, Mono16); },
-        Invalid("Buffer length 7 does not match expected 8 (CreateEmpty)", "CheckLen"));
+    EXPECT_EQ(Message([] { ImageFactory::CreateEmpty(7, 2, 2, Mono16); }),
+              Invalid("Buffer length 7 does not match expected 8 (CreateEmpty)", "CheckLen"));
 }
 
 TEST_F(ImageFactoryTest, ShallowLeavesTheCallersMemoryAlone) {
@@ -105,9 +95,8 @@ TEST_F(ImageFactoryTest, ShallowLeavesTheCallersMemoryAlone) {
     EXPECT_EQ(view->GetData(), pixels.data());
     ImageFactory::Destroy(view);
     EXPECT_EQ(pixels, std::vector<uint8_t>(100, 0x3C));
-    ExpectFailure<GenICam::InvalidArgumentException>(
-        [&] { ImageFactory::Shallow(pixels.data(), 100, 10, 0, Mono8); },
-        Invalid("Param is 0 (Shallow)", "CheckParam"));
+    EXPECT_EQ(Message([&] { ImageFactory::Shallow(pixels.data(), 100, 10, 0, Mono8); }),
+              Invalid("Param is 0 (Shallow)", "CheckParam"));
 }
 
 TEST_F(ImageFactoryTest, CopiesOutliveTheirSource) {
@@ -143,8 +132,8 @@ TEST_F(ImageFactoryTest, CopyAndDestroyFollowThePayloadType) {
     // Chunk-only buffers cannot be copied.
     stream.values[GenTL::BUFFER_INFO_PAYLOADTYPE] = 4;
     Image chunkOnly(&stream, reinterpret_cast<void*>(0x9));
-    ExpectFailure<GenICam::InvalidArgumentException>([&] { ImageFactory::Copy(&chunkOnly); },
-                                                     Invalid("Unknown payload type", "Copy"));
+    EXPECT_EQ(Message([&] { ImageFactory::Copy(&chunkOnly); }),
+              Invalid("Unknown payload type", "Copy"));
 }
 
 TEST_F(ImageFactoryTest, CopyFailingPartWayLeavesNothingAllocated) {
@@ -170,22 +159,21 @@ TEST_F(ImageFactoryTest, DeviceImagesAreRefusedAndStayUsable) {
     FakeDataStream stream;
     stream.values = {{GenTL::BUFFER_INFO_WIDTH, 640}};
     Image delivered(&stream, reinterpret_cast<void*>(0x9));
-    ExpectFailure<GenICam::InvalidArgumentException>(
-        [&] { ImageFactory::Destroy(&delivered); },
+    EXPECT_EQ(
+        Message([&] { ImageFactory::Destroy(&delivered); }),
         Invalid("Failure destroying image because image not from factory (probably due to image "
                 "being from device)",
                 "Destroy"));
     EXPECT_EQ(delivered.GetWidth(), 640u);
     CompressedImage compressed(&stream, reinterpret_cast<void*>(0x9));
-    ExpectFailure<GenICam::InvalidArgumentException>(
-        [&] { ImageFactory::DestroyCompressedImage(&compressed); },
+    EXPECT_EQ(
+        Message([&] { ImageFactory::DestroyCompressedImage(&compressed); }),
         Invalid("Failure destroying compressed image because compressed image not from factory "
                 "(probably due to compressed image being from device)",
                 "DestroyCompressedImage"));
-    ExpectFailure<GenICam::InvalidArgumentException>([] { ImageFactory::Destroy(nullptr); },
-                                                     Invalid("Image is null", "Destroy"));
-    ExpectFailure<GenICam::InvalidArgumentException>([] { ImageFactory::Copy(nullptr); },
-                                                     Invalid("Image is null (Copy)", "CheckParam"));
+    EXPECT_EQ(Message([] { ImageFactory::Destroy(nullptr); }), Invalid("Image is null", "Destroy"));
+    EXPECT_EQ(Message([] { ImageFactory::Copy(nullptr); }),
+              Invalid("Image is null (Copy)", "CheckParam"));
 }
 
 TEST(ImageFactoryClosed, EveryOperationNeedsAnOpenSystem) {
@@ -210,59 +198,5 @@ TEST(ImageFactoryClosed, EveryOperationNeedsAnOpenSystem) {
          never + " (ImageFactory, DestroyCompressedImage)"},
     };
     for (const auto& row : rows)
-        ExpectFailure<GenICam::RuntimeException>(row.operation, row.message);
-}
-
-namespace {
-
-// A virtual camera streaming small images that carry their frame number and CRC as chunks.
-class ChunkImageCopy : public ::testing::Test {
-protected:
-    void SetUp() override {
-        const char* models[] = {"Mono"};
-        OrvanTC_SetVirtualCameras(models, 1, 1);
-        system = OpenSystem();
-        system->UpdateDevices(1000);
-        device = system->CreateDevice(system->GetDevices().at(0));
-        GenApi::INodeMap* nodeMap = device->GetNodeMap();
-        SetNodeValue<int64_t>(nodeMap, "Width", 64);
-        SetNodeValue<int64_t>(nodeMap, "Height", 32);
-        SetNodeValue<bool>(nodeMap, "ChunkModeActive", true);
-        for (const char* chunk : {"CRC", "FrameID"}) {
-            SetNodeValue<GenICam::gcstring>(nodeMap, "ChunkSelector", chunk);
-            SetNodeValue<bool>(nodeMap, "ChunkEnable", true);
-        }
-    }
-
-    void TearDown() override {
-        if (device != nullptr)
-            system->DestroyDevice(device);
-        CloseSystem(system);
-        OrvanTC_Reset();
-    }
-
-    ISystem* system = nullptr;
-    IDevice* device = nullptr;
-};
-
-int64_t FrameChunk(IImage* image) {
-    GenApi::CIntegerPtr frame = image->AsChunkData()->GetChunk("ChunkFrameID");
-    return frame->GetValue();
-}
-
-} // namespace
-
-TEST_F(ChunkImageCopy, CopyReadsItsChunksAfterTheDeviceIsGone) {
-    device->StartStream(2);
-    IImage* delivered = device->GetImage(5000);
-    const int64_t frame = FrameChunk(delivered);
-    FactoryImagePtr copy(ImageFactory::Copy(delivered));
-    device->RequeueBuffer(delivered);
-    device->StopStream();
-    system->DestroyDevice(device);
-    device = nullptr;
-
-    EXPECT_TRUE(copy->VerifyCRC());
-    EXPECT_EQ(FrameChunk(copy.get()), frame);
-    copy.reset(); // the chunk nodes it parsed against go with it
+        EXPECT_EQ(Message(row.operation), row.message);
 }

@@ -47,13 +47,6 @@ bool StartsWith(const std::string& text, const std::string& prefix) {
 
 } // namespace
 
-TEST(Lifecycle, VersionIsFixedWithOrWithoutASystem) {
-    EXPECT_EQ(Orvan::GetVersion(), "0.1.104.0");
-    Orvan::ISystem* system = Orvan::OpenSystem();
-    EXPECT_EQ(Orvan::GetVersion(), "0.1.104.0");
-    Orvan::CloseSystem(system);
-}
-
 TEST(Lifecycle, ImageFactoryIsOnExactlyWhileASystemIsOpen) {
     EXPECT_FALSE(Orvan::HasImageFactoryInit());
     for (int round = 0; round < 2; ++round) {

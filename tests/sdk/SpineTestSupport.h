@@ -11,8 +11,8 @@
 
 namespace SpineTest {
 
-// What a call threw: the GenICam class it is an instance of (most derived first) and its text;
-// both empty when it returned.
+// What a call threw: the GenICam class it is an instance of (most derived first), or
+// std::exception for any other, and its text; both empty when it returned.
 struct Outcome {
     std::string className;
     std::string message;
@@ -37,8 +37,15 @@ inline Outcome Capture(const std::function<void()>& call) {
         return {"BadAllocException", e.what()};
     } catch (const GenICam::GenericException& e) {
         return {"GenericException", e.what()};
+    } catch (const std::exception& e) {
+        return {"std::exception", e.what()};
     }
     return {};
+}
+
+// The text of what the call threw ("" when it returned); it begins with the exception's class.
+inline std::string Message(const std::function<void()>& call) {
+    return Capture(call).message;
 }
 
 // Chooses the virtual cameras for the next system and restores the defaults afterwards.

@@ -19,6 +19,7 @@ void AddSaveFeaturesCommand(CLI::App& app, int& exitCode);
 void AddLoadFeaturesCommand(CLI::App& app, int& exitCode);
 void AddXmlCommand(CLI::App& app, int& exitCode);
 void AddLogCommand(CLI::App& app, int& exitCode);
+void AddViewCommand(CLI::App& app, int& exitCode);
 
 } // namespace Cli
 } // namespace Orvan

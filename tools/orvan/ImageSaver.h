@@ -1,5 +1,6 @@
 // Writes streamed images into a directory, one file per image, named by the camera's frame ID
-// so that gaps in the numbering show lost frames.
+// so that gaps in the numbering show lost frames. A PNG of a colour format it cannot hold as it
+// is (a Bayer mosaic, YUV, RGB deeper than 8 bits) gets the image converted to RGB8 first.
 #ifndef ORVAN_TOOLS_ORVAN_IMAGESAVER_H
 #define ORVAN_TOOLS_ORVAN_IMAGESAVER_H
 

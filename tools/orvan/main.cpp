@@ -35,6 +35,7 @@ int main(int argc, char** argv) {
     AddLoadFeaturesCommand(app, exitCode);
     AddXmlCommand(app, exitCode);
     AddLogCommand(app, exitCode);
+    AddViewCommand(app, exitCode);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {

@@ -121,5 +121,20 @@ std::optional<int64_t> CameraFeatureReader::ReadInteger(const std::string& url,
     }
 }
 
+bool CameraFeatureReader::WriteInteger(const std::string& url, const std::string& name,
+                                       int64_t value) {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    try {
+        GenApi::INodeMap* map = Load(url);
+        GenApi::CIntegerPtr feature = map ? map->GetNode(name.c_str()) : nullptr;
+        if (!GenApi::IsWritable(feature))
+            return false;
+        feature->SetValue(value);
+        return true;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
 } // namespace Producer
 } // namespace Orvan

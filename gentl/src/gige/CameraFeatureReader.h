@@ -1,6 +1,7 @@
-// Reads a camera's own features (PayloadSize, the stream packet size) the way an application
-// would: through the camera's description, loaded once over the control channel into our
-// GenApi engine. The producer has no other way to know them; bootstrap registers do not say.
+// Reads a camera's own features (PayloadSize, the stream packet size), and sets the packet size
+// a negotiation found, the way an application would: through the camera's description, loaded once
+// over the control channel into our GenApi engine. The producer has no other way to know them;
+// bootstrap registers do not say.
 #ifndef ORVAN_GENTL_GIGE_CAMERAFEATUREREADER_H
 #define ORVAN_GENTL_GIGE_CAMERAFEATUREREADER_H
 
@@ -20,8 +21,7 @@ namespace Producer {
 
 class CameraFeatureReader {
 public:
-    // Register access to the camera; false on failure. Features are only read, but selectors
-    // and their like may have to write.
+    // Register access to the camera; false on failure.
     using ReadFunction = std::function<bool(uint64_t address, void* data, size_t size)>;
     using WriteFunction = std::function<bool(uint64_t address, const void* data, size_t size)>;
 
@@ -32,6 +32,8 @@ public:
     // the description). Empty when the description cannot be loaded, the feature does not
     // exist or is not readable.
     std::optional<int64_t> ReadInteger(const std::string& url, const std::string& name);
+    // False when the feature cannot be written, or refuses the value.
+    bool WriteInteger(const std::string& url, const std::string& name, int64_t value);
 
 private:
     class Port;

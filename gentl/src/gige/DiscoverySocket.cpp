@@ -52,6 +52,13 @@ bool DiscoverySocket::Send(const std::vector<uint8_t>& datagram, uint32_t ip, ui
                     sizeof(target)) == static_cast<ssize_t>(datagram.size());
 }
 
+uint16_t DiscoverySocket::Port() const {
+    sockaddr_in local{};
+    socklen_t length = sizeof(local);
+    ::getsockname(m_socket, reinterpret_cast<sockaddr*>(&local), &length);
+    return ntohs(local.sin_port);
+}
+
 size_t DiscoverySocket::Receive(uint8_t* buffer, size_t size,
                                 std::chrono::steady_clock::time_point deadline) {
     for (;;) {

@@ -190,6 +190,7 @@ constexpr uint32_t kGvcpCapSerialNumber = 0x40000000;
 constexpr uint32_t kGvcpCapHeartbeatDisable = 0x20000000;
 constexpr uint32_t kGvcpCapLinkSpeed = 0x10000000;
 constexpr uint32_t kGvcpCapPrimaryApplication = 0x08000000; // its port and IP registers
+constexpr uint32_t kGvcpCapTestData = 0x02000000;           // test packets carry the LFSR sequence
 constexpr uint32_t kGvcpCapAction = 0x00000040;
 constexpr uint32_t kGvcpCapPendingAck = 0x00000020;
 constexpr uint32_t kGvcpCapEventData = 0x00000010;
@@ -214,6 +215,8 @@ constexpr uint32_t kPacketSizeMask = 0x0000FFFF;
 
 // Bytes of IP and UDP headers a stream packet size counts.
 constexpr uint32_t kIpUdpOverhead = 28;
+// What every IPv4 host must accept: no smaller packet size is ever needed.
+constexpr uint32_t kMinPacketSize = 576;
 
 // GVSP: header sizes and packet formats.
 constexpr size_t kGvspHeaderSize = 8;          // status, block id, format, packet id (24 bits)
@@ -247,6 +250,35 @@ enum PayloadType : uint16_t {
 };
 // Set in a leader's payload type when chunks follow the payload ("extended chunk mode").
 constexpr uint16_t kPayloadTypeChunkFlag = 0x4000;
+
+// Multi-part blocks. The leader lists one descriptor per part after its timestamp (and, in the
+// extended-id form, counts them in the last byte of the header's reserved field); the trailer
+// lists one short record per part; every multi-part payload packet names its part and the
+// offset of its data within that part.
+namespace Part {
+constexpr size_t LeaderFixedSize = 12; // reserved, payload type, timestamp
+constexpr size_t LeaderPartSize = 48;
+constexpr size_t TrailerPartSize = 16;
+constexpr size_t HeaderPartCount = 7; // byte of an extended-id leader header
+constexpr size_t DataHeaderSize = 8;  // part id, zone info, 48-bit offset
+constexpr uint8_t EndOfPart = 0x40;   // in the zone info byte
+// Offsets within a leader's part descriptor.
+constexpr size_t DataType = 0;   // u16
+constexpr size_t Length = 2;     // u48
+constexpr size_t Format = 8;     // u32: pixel format of image data types
+constexpr size_t SourceId = 14;  // u8
+constexpr size_t PurposeId = 20; // u16
+constexpr size_t RegionId = 22;  // u16
+constexpr size_t SizeX = 24;     // u32, then size y, offset x, offset y
+constexpr size_t PaddingX = 40;  // u16
+// Data types 1 to 9 (2D and 3D images and their planes, confidence maps) are the GenTL part
+// data types of the same number.
+constexpr uint16_t Image2D = 0x0001;
+constexpr uint16_t ConfidenceMap = 0x0009;
+constexpr bool SameInGenTL(int64_t type) {
+    return type >= Image2D && type <= ConfidenceMap;
+}
+} // namespace Part
 
 } // namespace Gev
 } // namespace Orvan

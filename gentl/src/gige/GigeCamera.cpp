@@ -1,9 +1,11 @@
 #include "GigeCamera.h"
 
+#include "../GenTLError.h"
 #include "../LastError.h"
 #include "GigeMessageChannel.h"
 #include "GigeStreamChannel.h"
 #include "GvcpCodec.h"
+#include "PacketSizeProbe.h"
 
 #include <chrono>
 #include <cstdio>
@@ -20,6 +22,10 @@ constexpr uint32_t kMinHeartbeatMs = 300;
 // Three beats per timeout: one lost datagram (and its retries) never costs the privilege.
 uint32_t HeartbeatPeriod(uint32_t timeoutMs) {
     return std::max(timeoutMs, kMinHeartbeatMs) / 3;
+}
+
+uint32_t PacketSizeRegister(uint32_t channel) {
+    return Gev::Reg::StreamChannelPacketSize + channel * Gev::Reg::StreamChannelStride;
 }
 
 uint32_t PrivilegeFor(GenTL::DEVICE_ACCESS_FLAGS flags, bool& valid) {
@@ -160,6 +166,8 @@ GenTL::GC_ERROR GigeCamera::Open(GenTL::DEVICE_ACCESS_FLAGS flags) {
     if (status != GenTL::GC_ERR_SUCCESS)
         return status;
     ReadHeartbeatTimeout(*channel);
+    if (privilege != 0)
+        RecordPacketSizes(*channel);
     {
         std::lock_guard<std::mutex> lock(m_mutex);
         m_open = true;
@@ -185,6 +193,7 @@ void GigeCamera::Close() {
         privilege = m_privilege;
         m_open = false;
         m_privilege = 0;
+        m_automaticPacketSizes.clear();
     }
     if (privilege != 0 && m_connected)
         Channel()->WriteRegister(Gev::Reg::ControlChannelPrivilege, 0);
@@ -534,6 +543,13 @@ GenTL::GC_ERROR GigeCamera::StartStream(uint32_t index, FrameSink* sink, uint64_
     if (!channel)
         return GenTL::GC_ERR_IO;
     const uint64_t frequency = TimestampFrequency();
+    std::lock_guard<std::mutex> lock(m_streamsMutex);
+    GigeStreamChannel& stream = Stream(index, channel->LocalIp());
+    if (stream.Running()) {
+        SetLastError(GenTL::GC_ERR_RESOURCE_IN_USE, "The stream is already running");
+        return GenTL::GC_ERR_RESOURCE_IN_USE;
+    }
+    NegotiatePacketSize(*channel, index);
     // The packet-size features describe the first channel; others have only their register.
     std::optional<int64_t> packetSize;
     if (index == 0) {
@@ -542,13 +558,63 @@ GenTL::GC_ERROR GigeCamera::StartStream(uint32_t index, FrameSink* sink, uint64_
         if (!packetSize)
             packetSize = m_features->ReadInteger(url, "GevSCPSPacketSize");
     }
-    std::lock_guard<std::mutex> lock(m_streamsMutex);
-    GigeStreamChannel& stream = Stream(index, channel->LocalIp());
-    if (stream.Running()) {
-        SetLastError(GenTL::GC_ERR_RESOURCE_IN_USE, "The stream is already running");
-        return GenTL::GC_ERR_RESOURCE_IN_USE;
-    }
     return stream.Start(channel, sink, maxFrames, frequency, packetSize);
+}
+
+void GigeCamera::RecordPacketSizes(GvcpChannel& channel) {
+    std::map<uint32_t, uint32_t> sizes;
+    for (uint32_t index = 0; index < StreamCount(); ++index) {
+        uint32_t value = 0;
+        if (channel.ReadRegister(PacketSizeRegister(index), value) == GenTL::GC_ERR_SUCCESS)
+            sizes[index] = value & Gev::kPacketSizeMask;
+    }
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_automaticPacketSizes = std::move(sizes);
+}
+
+void GigeCamera::NegotiatePacketSize(GvcpChannel& channel, uint32_t index) {
+    const uint32_t address = PacketSizeRegister(index);
+    uint32_t value = 0;
+    if (channel.ReadRegister(address, value) != GenTL::GC_ERR_SUCCESS)
+        return;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        const auto automatic = m_automaticPacketSizes.find(index);
+        if (automatic == m_automaticPacketSizes.end() ||
+            automatic->second != (value & Gev::kPacketSizeMask))
+            return;
+    }
+    std::optional<uint32_t> size;
+    try {
+        size = PacketSizeProbe(channel, index, channel.LocalIp()).Run(PacketSizeProbe::Options());
+    } catch (const GenTLError&) {
+        // No socket to listen with: the size stays.
+    }
+    const uint32_t chosen = size ? *size : value & Gev::kPacketSizeMask;
+    // The probe left its last test size behind; the other bits stay as the camera had them.
+    const uint32_t flags = value & ~(Gev::kPacketSizeFireTestPacket | Gev::kPacketSizeMask);
+    if (channel.WriteRegister(address, flags | chosen) != GenTL::GC_ERR_SUCCESS)
+        return;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_automaticPacketSizes[index] = chosen;
+    }
+    if (size && index == 0)
+        SetPacketSizeFeature(chosen);
+}
+
+// Most cameras keep the first channel's packet-size feature in its register; the few that do
+// not are told the size through the feature itself.
+void GigeCamera::SetPacketSizeFeature(uint32_t size) {
+    const std::string url = ReadUrl();
+    for (const char* name : {"DeviceStreamChannelPacketSize", "GevSCPSPacketSize"}) {
+        const std::optional<int64_t> current = m_features->ReadInteger(url, name);
+        if (current) {
+            if (*current != size)
+                m_features->WriteInteger(url, name, size);
+            return;
+        }
+    }
 }
 
 void GigeCamera::StopStream(uint32_t index) {
@@ -558,7 +624,8 @@ void GigeCamera::StopStream(uint32_t index) {
         found->second->Stop();
 }
 
-void GigeCamera::ConfigureResend(uint32_t index, const ResendSettings& settings) {
+template <typename Settings>
+void GigeCamera::ConfigureStream(uint32_t index, const Settings& settings) {
     if (index >= StreamCount())
         return;
     std::shared_ptr<GvcpChannel> channel = Channel();
@@ -566,13 +633,31 @@ void GigeCamera::ConfigureResend(uint32_t index, const ResendSettings& settings)
     Stream(index, channel->LocalIp()).Configure(settings);
 }
 
-bool GigeCamera::GetStreamStatistics(uint32_t index, StreamStatistics& out) const {
+template <typename Value>
+bool GigeCamera::ReadStream(uint32_t index, Value (GigeStreamChannel::*read)() const,
+                            Value& out) const {
     std::lock_guard<std::mutex> lock(m_streamsMutex);
     auto found = m_streams.find(index);
     if (found == m_streams.end())
         return false;
-    out = found->second->Statistics();
+    out = ((*found->second).*read)();
     return true;
+}
+
+void GigeCamera::ConfigureResend(uint32_t index, const ResendSettings& settings) {
+    ConfigureStream(index, settings);
+}
+
+bool GigeCamera::GetStreamStatistics(uint32_t index, StreamStatistics& out) const {
+    return ReadStream(index, &GigeStreamChannel::Statistics, out);
+}
+
+void GigeCamera::ConfigureReceive(uint32_t index, const ReceiveSettings& settings) {
+    ConfigureStream(index, settings);
+}
+
+bool GigeCamera::GetReceiveInUse(uint32_t index, ReceiveSettings& out) const {
+    return ReadStream(index, &GigeStreamChannel::ReceiveInUse, out);
 }
 
 } // namespace Producer

@@ -71,6 +71,8 @@ public:
     void StopStream(uint32_t index) override;
     void ConfigureResend(uint32_t index, const ResendSettings& settings) override;
     bool GetStreamStatistics(uint32_t index, StreamStatistics& out) const override;
+    void ConfigureReceive(uint32_t index, const ReceiveSettings& settings) override;
+    bool GetReceiveInUse(uint32_t index, ReceiveSettings& out) const override;
 
     void SetEventSink(EventSink* sink) override;
 
@@ -92,6 +94,16 @@ private:
     std::string ReadUrl() const;
     // Created on first use; kept across runs so that statistics and resend settings last.
     GigeStreamChannel& Stream(uint32_t index, uint32_t localIp);
+    template <typename Settings>
+    void ConfigureStream(uint32_t index, const Settings& settings);
+    // False when the stream channel was never made.
+    template <typename Value>
+    bool ReadStream(uint32_t index, Value (GigeStreamChannel::*read)() const, Value& out) const;
+    // Packet sizes are negotiated at stream start unless the application chose one: a size
+    // other than the channel had when the camera was opened, or than the last negotiation set.
+    void RecordPacketSizes(GvcpChannel& channel);
+    void NegotiatePacketSize(GvcpChannel& channel, uint32_t index);
+    void SetPacketSizeFeature(uint32_t size);
 
     mutable std::mutex m_mutex;
     std::shared_ptr<const DeviceIdentity> m_identity;
@@ -107,6 +119,7 @@ private:
 
     bool m_open = false;
     uint32_t m_privilege = 0; // what Open asked for: exclusive, control or 0 (read-only)
+    std::map<uint32_t, uint32_t> m_automaticPacketSizes; // by channel
     uint32_t m_heartbeatMs = 3000;
     std::thread m_heartbeat;
     bool m_stopHeartbeat = false;

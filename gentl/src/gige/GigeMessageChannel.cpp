@@ -1,6 +1,7 @@
 #include "GigeMessageChannel.h"
 
 #include "../LastError.h"
+#include "BoundUdpSocket.h"
 #include "GevProtocol.h"
 #include "GvcpCodec.h"
 
@@ -21,20 +22,7 @@ constexpr int kStopCheckMs = 50;
 } // namespace
 
 GigeMessageChannel::GigeMessageChannel(uint32_t localIp) : m_localIp(localIp) {
-    m_socket = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    if (m_socket < 0)
-        return;
-    sockaddr_in local{};
-    local.sin_family = AF_INET;
-    local.sin_addr.s_addr = htonl(localIp);
-    socklen_t length = sizeof local;
-    if (bind(m_socket, reinterpret_cast<sockaddr*>(&local), sizeof local) != 0 ||
-        getsockname(m_socket, reinterpret_cast<sockaddr*>(&local), &length) != 0) {
-        close(m_socket);
-        m_socket = -1;
-        return;
-    }
-    m_port = ntohs(local.sin_port);
+    m_socket = OpenBoundUdpSocket(localIp, m_port);
 }
 
 GigeMessageChannel::~GigeMessageChannel() {

@@ -75,6 +75,7 @@ GenTL::GC_ERROR GigeStreamChannel::Start(std::shared_ptr<GvcpChannel> control, F
     if (packetSize > Gev::kIpUdpOverhead)
         config.packetSize = packetSize;
     config.resend = m_settings;
+    config.receive = m_receive;
     std::weak_ptr<GvcpChannel> weakControl = control;
     const uint16_t channelIndex = static_cast<uint16_t>(m_index);
     auto requester = [weakControl, channelIndex](uint64_t blockId, uint32_t first, uint32_t last) {

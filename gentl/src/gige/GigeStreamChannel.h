@@ -29,6 +29,9 @@ public:
     bool Running() const { return m_control != nullptr; }
     void Configure(const ResendSettings& settings);
     StreamStatistics Statistics() const { return m_receiver.Statistics(); }
+    // Applies from the next Start.
+    void Configure(const ReceiveSettings& settings) { m_receive = settings; }
+    ReceiveSettings ReceiveInUse() const { return m_receiver.InUse(); }
 
 private:
     class LimitedSink;
@@ -40,6 +43,7 @@ private:
     const uint32_t m_localIp;
     GvspReceiver m_receiver;
     ResendSettings m_settings;
+    ReceiveSettings m_receive;
     std::shared_ptr<GvcpChannel> m_control;
     std::unique_ptr<LimitedSink> m_sink;
 };

@@ -16,11 +16,27 @@ constexpr int32_t kPayloadImageExtendedChunk = 0x4001;
 // further behind means the camera started counting again.
 constexpr uint64_t kStaleWindow = 64;
 constexpr uint16_t kStatusErrorBit = 0x8000;
+// Multi-part payload packets carry less data each and every part may end in a short one, so a
+// buffer holds more of their ids; this many parts fit before the leader tells how many come.
+constexpr uint64_t kPartsBeforeLeader = 64;
 
-// Only generic payload packets place their data by packet id; the multi-part, multi-zone, H.264
-// and GenDC forms carry their own addressing, which this receiver does not take.
+// Only generic payload packets place their data by packet id, which is what lets them land in
+// the buffer directly; multi-part packets address their part themselves, and the multi-zone,
+// H.264 and GenDC forms are not taken.
 bool IsDataFormat(uint8_t format) {
     return format == Gev::GenericPayload;
+}
+
+// Parts that are 2D images of one format and width, as a line-scan camera stacks them, read as
+// one image of all their lines.
+bool StackOfImages(const std::vector<FramePart>& parts) {
+    if (parts.empty())
+        return false;
+    const FramePart& first = parts.front();
+    return std::all_of(parts.begin(), parts.end(), [&](const FramePart& part) {
+        return part.dataType == GenTL::PART_DATATYPE_2D_IMAGE && part.format == first.format &&
+               part.width == first.width && part.paddingX == first.paddingX;
+    });
 }
 
 int32_t GenTLPayloadType(uint16_t type, bool chunkFlag) {
@@ -98,7 +114,11 @@ struct GvspAssembler::Frame {
     uint64_t lastActivityUs = 0;
     bool done = false;
 
+    // Multi-part blocks: the leader's first parts, as many as lie wholly in the buffer.
+    size_t partsInBuffer = 0;
+
     bool Has(uint32_t id) const { return (received[id / 64] >> (id % 64) & 1) != 0; }
+    bool Multipart() const { return leaderSeen && leader.payloadType == Gev::MultiPart; }
     bool Complete() const { return trailerSeen && !overflow && receivedCount == trailerId + 1ull; }
     void NoteGap(uint64_t nowUs) {
         if (!freshGap) {
@@ -144,7 +164,7 @@ GvspAssembler::~GvspAssembler() {
 
 GvspAssembler::Slot* GvspAssembler::PrepareBatch() {
     Frame* current = inFlight_.empty() ? nullptr : inFlight_.back();
-    if (current != nullptr && (current->done || current->trailerSeen))
+    if (current != nullptr && (current->done || current->trailerSeen || current->Multipart()))
         current = nullptr;
     for (size_t i = 0; i < slots_.size(); ++i) {
         Slot& slot = slots_[i];
@@ -229,11 +249,13 @@ void GvspAssembler::Handle(const Slot& slot, bool inPlace, uint64_t nowUs) {
     const uint32_t id = header->packetId;
     const size_t bodySize = slot.length - headerSize_;
     if (header->format == Gev::Leader) {
-        const auto leader = ParseGvspLeader(slot.body, bodySize);
+        auto leader = ParseGvspLeader(slot.body, bodySize, AnnouncedParts(*header));
         if (!leader || id != 0 || !MarkReceived(*frame, id, nowUs))
             return;
-        frame->leader = *leader;
+        frame->leader = std::move(*leader);
         frame->leaderSeen = true;
+        if (frame->Multipart())
+            LayOutParts(*frame);
     } else if (header->format == Gev::Trailer) {
         const auto trailer = ParseGvspTrailer(slot.body, bodySize);
         if (!trailer || id == 0 || frame->trailerSeen)
@@ -251,6 +273,13 @@ void GvspAssembler::Handle(const Slot& slot, bool inPlace, uint64_t nowUs) {
             frame->overflow = true;
         else if (MarkReceived(*frame, id, nowUs))
             StoreData(*frame, id, slot.body, bodySize, inPlace);
+    } else if (header->format == Gev::MultiPartPayload && id != 0) {
+        // Before the leader there is nowhere to put the data: the packet counts as missing and
+        // is asked for again once the leader is in.
+        if (id >= frame->capacityIds)
+            frame->overflow = true;
+        else if (frame->Multipart() && MarkReceived(*frame, id, nowUs))
+            StorePart(*frame, slot.body, bodySize);
     }
     UpdateDone(*frame);
     FlushDone();
@@ -304,9 +333,10 @@ GvspAssembler::Frame* GvspAssembler::Open(uint64_t blockId, uint64_t nowUs) {
     frame->blockId = blockId;
     frame->slot = slot;
     frame->resend = resend_;
-    const uint64_t ids = std::min<uint64_t>(DivideUp(slot.size, stride_) + 2, UINT32_MAX);
-    frame->capacityIds = static_cast<uint32_t>(ids);
-    bits.assign(DivideUp(ids, 64), 0);
+    const uint64_t ids =
+        DivideUp(slot.size, stride_ - Gev::Part::DataHeaderSize) + 2 + kPartsBeforeLeader;
+    frame->capacityIds = static_cast<uint32_t>(std::min<uint64_t>(ids, UINT32_MAX));
+    bits.assign(DivideUp(frame->capacityIds, 64), 0);
     frame->received = std::move(bits);
     frame->lastActivityUs = nowUs;
     inFlight_.push_back(frame);
@@ -344,6 +374,43 @@ void GvspAssembler::StoreData(Frame& frame, uint32_t id, const uint8_t* body, si
     if (!inPlace && fits > 0)
         std::memcpy(target, body, fits);
     frame.sizeFilled = std::max(frame.sizeFilled, offset + fits);
+}
+
+// Parts lie one after the other in the buffer, as far as they fit; a multi-part block whose
+// parts each end in a short packet may need more ids than the buffer alone suggested.
+void GvspAssembler::LayOutParts(Frame& frame) {
+    const uint64_t perPacket = stride_ - Gev::Part::DataHeaderSize;
+    uint64_t offset = 0;
+    uint64_t ids = 2;
+    for (FramePart& part : frame.leader.parts) {
+        if (part.size > frame.slot.size - offset)
+            break;
+        part.offset = offset;
+        offset += part.size;
+        ids += DivideUp(part.size, perPacket);
+        ++frame.partsInBuffer;
+    }
+    if (ids > frame.capacityIds) {
+        frame.capacityIds = static_cast<uint32_t>(std::min<uint64_t>(ids, UINT32_MAX));
+        frame.received.resize(DivideUp(frame.capacityIds, 64), 0);
+    }
+}
+
+void GvspAssembler::StorePart(Frame& frame, const uint8_t* body, size_t size) {
+    const auto data = ParseGvspPartData(body, size);
+    if (!data || data->part >= frame.leader.parts.size())
+        return;
+    const FramePart& part = frame.leader.parts[data->part];
+    if (data->offset > part.size || data->size > part.size - data->offset)
+        return; // not where the leader said the part ends: a broken packet
+    if (data->part >= frame.partsInBuffer) {
+        frame.overflow = true;
+        return;
+    }
+    const uint64_t target = part.offset + data->offset;
+    if (data->size > 0)
+        std::memcpy(frame.slot.data + target, data->data, data->size);
+    frame.sizeFilled = std::max(frame.sizeFilled, target + data->size);
 }
 
 void GvspAssembler::UpdateDone(Frame& frame) {
@@ -417,6 +484,12 @@ uint32_t GvspAssembler::GapLimit(const Frame& frame) const {
 uint32_t GvspAssembler::EstimatedLastId(const Frame& frame) const {
     uint64_t bytes = 0;
     const GvspLeader& leader = frame.leader;
+    if (frame.Multipart()) {
+        uint64_t last = 1;
+        for (const FramePart& part : leader.parts)
+            last += DivideUp(part.size, stride_ - Gev::Part::DataHeaderSize);
+        return static_cast<uint32_t>(std::min<uint64_t>(last, frame.capacityIds - 1ull));
+    }
     if (frame.leaderSeen && leader.hasImage && !leader.chunkFlag) {
         const uint64_t bitsPerPixel = leader.pixelFormat >> 16 & 0xFF;
         bytes = (uint64_t{leader.sizeX} * bitsPerPixel / 8 + leader.paddingX) * leader.sizeY +
@@ -497,7 +570,26 @@ FrameInfo GvspAssembler::Describe(const Frame& frame) const {
     // cameras leave the field zero, which says nothing.
     if (frame.trailerSeen && frame.trailer.hasSizeY && frame.trailer.sizeY != 0)
         info.height = frame.trailer.sizeY;
+    if (frame.Multipart())
+        DescribeParts(frame, info);
     return info;
+}
+
+void GvspAssembler::DescribeParts(const Frame& frame, FrameInfo& info) const {
+    const auto& parts = frame.leader.parts;
+    info.parts.assign(parts.begin(), parts.begin() + long(frame.partsInBuffer));
+    info.imagePresent = StackOfImages(info.parts);
+    if (!info.imagePresent)
+        return;
+    const FramePart& first = info.parts.front();
+    info.pixelFormat = first.format;
+    info.width = first.width;
+    info.offsetX = first.offsetX;
+    info.offsetY = first.offsetY;
+    info.paddingX = first.paddingX;
+    info.height = 0;
+    for (const FramePart& part : info.parts)
+        info.height += part.height;
 }
 
 void GvspAssembler::Abort() {

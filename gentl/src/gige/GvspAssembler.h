@@ -4,6 +4,8 @@
 //
 // Slots are prepared so that the body of the next in-order packet lands right where it belongs
 // in the current frame's buffer; only a packet that turns out to belong elsewhere is copied.
+// Multi-part blocks are laid out part after part as their leader describes them, and their
+// packets, which address their part themselves, are always copied.
 // Not thread-safe except Statistics(): one thread drives an assembler.
 #ifndef ORVAN_GENTL_GIGE_GVSPASSEMBLER_H
 #define ORVAN_GENTL_GIGE_GVSPASSEMBLER_H
@@ -86,6 +88,8 @@ private:
     Frame* FindOrOpen(uint64_t blockId, bool leader, uint64_t nowUs);
     Frame* Open(uint64_t blockId, uint64_t nowUs);
     void StoreData(Frame& frame, uint32_t packetId, const uint8_t* body, size_t size, bool inPlace);
+    void LayOutParts(Frame& frame);
+    void StorePart(Frame& frame, const uint8_t* body, size_t size);
     bool MarkReceived(Frame& frame, uint32_t packetId, uint64_t nowUs);
     void UpdateDone(Frame& frame);
     void RequestMissing(Frame& frame, uint32_t first, uint32_t last);
@@ -95,6 +99,7 @@ private:
     void FlushDone();
     void Finish(Frame& frame);
     FrameInfo Describe(const Frame& frame) const;
+    void DescribeParts(const Frame& frame, FrameInfo& info) const;
     void Bump(std::atomic<uint64_t>& counter, uint64_t by = 1) {
         counter.store(counter.load(std::memory_order_relaxed) + by, std::memory_order_relaxed);
     }

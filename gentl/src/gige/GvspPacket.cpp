@@ -4,6 +4,8 @@
 
 #include "GevProtocol.h"
 
+#include <algorithm>
+
 namespace Orvan {
 namespace Producer {
 
@@ -34,6 +36,35 @@ void ReadImageFields(const uint8_t* p, GvspLeader& leader) {
     leader.offsetY = Gev::Get32(p + 16);
     leader.paddingX = Gev::Get16(p + 20);
     leader.paddingY = Gev::Get16(p + 22);
+}
+
+FramePart ReadPart(const uint8_t* p) {
+    namespace P = Gev::Part;
+    FramePart part;
+    const uint16_t type = Gev::Get16(p + P::DataType);
+    part.dataType = P::SameInGenTL(type)              ? int32_t(type)
+                    : type >= Gev::DeviceSpecificBase ? int32_t(GenTL::PART_DATATYPE_CUSTOM_ID)
+                                                      : int32_t(GenTL::PART_DATATYPE_UNKNOWN);
+    part.size = Gev::Get48(p + P::Length);
+    part.format = Gev::Get32(p + P::Format);
+    part.sourceId = p[P::SourceId];
+    part.purposeId = Gev::Get16(p + P::PurposeId);
+    part.regionId = Gev::Get16(p + P::RegionId);
+    part.width = Gev::Get32(p + P::SizeX);
+    part.height = Gev::Get32(p + P::SizeX + 4);
+    part.offsetX = Gev::Get32(p + P::SizeX + 8);
+    part.offsetY = Gev::Get32(p + P::SizeX + 12);
+    part.paddingX = Gev::Get16(p + P::PaddingX);
+    return part;
+}
+
+void ReadParts(const uint8_t* body, size_t size, size_t maxParts, GvspLeader& leader) {
+    const size_t count =
+        std::min((size - Gev::Part::LeaderFixedSize) / Gev::Part::LeaderPartSize, maxParts);
+    leader.parts.reserve(count);
+    for (size_t i = 0; i < count; ++i)
+        leader.parts.push_back(
+            ReadPart(body + Gev::Part::LeaderFixedSize + i * Gev::Part::LeaderPartSize));
 }
 
 // Bytes the leader of a payload type needs at least.
@@ -74,13 +105,14 @@ std::optional<GvspHeader> ParseGvspHeader(const uint8_t* data, size_t size) {
     if (size < Gev::kGvspExtendedHeaderSize)
         return std::nullopt;
     header.flags = Gev::Get16(data + 2);
+    header.partCount = data[Gev::Part::HeaderPartCount];
     header.blockId = Gev::Get64(data + 8);
     header.packetId = Gev::Get32(data + 16);
     header.size = Gev::kGvspExtendedHeaderSize;
     return header;
 }
 
-std::optional<GvspLeader> ParseGvspLeader(const uint8_t* body, size_t size) {
+std::optional<GvspLeader> ParseGvspLeader(const uint8_t* body, size_t size, size_t maxParts) {
     if (body == nullptr || size < kPayloadTypeOffset + 2)
         return std::nullopt;
     GvspLeader leader;
@@ -106,6 +138,9 @@ std::optional<GvspLeader> ParseGvspLeader(const uint8_t* body, size_t size) {
     case Gev::H264:
         leader.payloadSize = Gev::Get64(body + 4);
         return leader;
+    case Gev::MultiPart:
+        ReadParts(body, size, maxParts, leader);
+        break;
     default:
         break;
     }
@@ -158,6 +193,21 @@ std::optional<GvspTrailer> ParseGvspTrailer(const uint8_t* body, size_t size) {
     return trailer;
 }
 
+std::optional<GvspPartData> ParseGvspPartData(const uint8_t* body, size_t size) {
+    if (body == nullptr || size < Gev::Part::DataHeaderSize)
+        return std::nullopt;
+    GvspPartData part;
+    part.part = body[0];
+    part.offset = Gev::Get48(body + 2);
+    part.data = body + Gev::Part::DataHeaderSize;
+    part.size = size - Gev::Part::DataHeaderSize;
+    return part;
+}
+
+size_t AnnouncedParts(const GvspHeader& header) {
+    return header.extendedId && header.partCount != 0 ? header.partCount : SIZE_MAX;
+}
+
 std::optional<GvspPacket> ParseGvspPacket(const uint8_t* data, size_t size) {
     const auto header = ParseGvspHeader(data, size);
     if (!header)
@@ -168,7 +218,7 @@ std::optional<GvspPacket> ParseGvspPacket(const uint8_t* data, size_t size) {
     const size_t bodySize = size - header->size;
     switch (header->format) {
     case Gev::Leader:
-        packet.leader = ParseGvspLeader(body, bodySize);
+        packet.leader = ParseGvspLeader(body, bodySize, AnnouncedParts(*header));
         if (!packet.leader)
             return std::nullopt;
         break;

@@ -4,9 +4,12 @@
 #ifndef ORVAN_GENTL_GIGE_GVSPPACKET_H
 #define ORVAN_GENTL_GIGE_GVSPPACKET_H
 
+#include "../RemoteDevice.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 namespace Orvan {
 namespace Producer {
@@ -18,7 +21,16 @@ struct GvspHeader {
     uint32_t packetId = 0;
     uint8_t format = 0; // Gev::PacketFormat
     bool extendedId = false;
-    size_t size = 0; // bytes the header occupies
+    size_t size = 0;       // bytes the header occupies
+    uint8_t partCount = 0; // extended-id leaders of multi-part blocks: the parts announced
+};
+
+// Where the data of a multi-part payload packet belongs.
+struct GvspPartData {
+    uint8_t part = 0;
+    uint64_t offset = 0; // within the part
+    const uint8_t* data = nullptr;
+    size_t size = 0;
 };
 
 // What a leader announces about its block.
@@ -35,6 +47,9 @@ struct GvspLeader {
     uint16_t paddingX = 0;
     uint16_t paddingY = 0;
     uint64_t payloadSize = 0; // raw data, file and compressed payloads
+    // Multi-part payloads: the parts as GenTL describes them; where each lies in a buffer is
+    // for the receiver to decide.
+    std::vector<FramePart> parts;
 };
 
 struct GvspTrailer {
@@ -57,9 +72,17 @@ struct GvspPacket {
 
 // The header at the start of a datagram, or nullopt when the bytes cannot be one.
 std::optional<GvspHeader> ParseGvspHeader(const uint8_t* data, size_t size);
-// A leader's body (the bytes after the header); nullopt for a body too short for its type.
-std::optional<GvspLeader> ParseGvspLeader(const uint8_t* body, size_t size);
+// A leader's body (the bytes after the header); nullopt for a body too short for its type. A
+// multi-part leader holds as many part descriptors as fit its body, at most maxParts (what an
+// extended-id header announces).
+std::optional<GvspLeader> ParseGvspLeader(const uint8_t* body, size_t size,
+                                          size_t maxParts = SIZE_MAX);
 std::optional<GvspTrailer> ParseGvspTrailer(const uint8_t* body, size_t size);
+// The part descriptors a leader with this header may hold: what an extended-id header
+// announces, else no limit.
+size_t AnnouncedParts(const GvspHeader& header);
+// The body of a multi-part payload packet; nullopt when too short for its addressing.
+std::optional<GvspPartData> ParseGvspPartData(const uint8_t* body, size_t size);
 // Header and body of one datagram; leaders and trailers that fail to decode make it nullopt.
 std::optional<GvspPacket> ParseGvspPacket(const uint8_t* data, size_t size);
 

@@ -40,6 +40,14 @@ std::string ReadRoutingTable() {
 
 } // namespace
 
+std::string InterfaceHolding(uint32_t ip) {
+    const bool loopback = (ip >> 24) == 127;
+    for (const HostInterface& candidate : ListHostInterfaces())
+        if (loopback ? candidate.loopback : candidate.ip == ip)
+            return candidate.name;
+    return {};
+}
+
 std::vector<std::pair<std::string, uint32_t>> ParseDefaultGateways(const std::string& table) {
     std::vector<std::pair<std::string, uint32_t>> gateways;
     std::istringstream lines(table);

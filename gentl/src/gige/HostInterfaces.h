@@ -24,6 +24,9 @@ struct HostInterface {
 // An interface with several addresses appears once, with its first one.
 std::vector<HostInterface> ListHostInterfaces();
 
+// The name of the interface that holds the address (any 127/8 address is loopback's), or "".
+std::string InterfaceHolding(uint32_t ip);
+
 // The default gateways per interface name from a routing table in the /proc/net/route layout.
 std::vector<std::pair<std::string, uint32_t>> ParseDefaultGateways(const std::string& table);
 

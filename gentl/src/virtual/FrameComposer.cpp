@@ -252,15 +252,22 @@ FrameInfo FrameComposer::ComposeMultipart(const FrameSettings& settings, uint64_
                                           uint64_t firstImage, uint32_t parts, uint64_t timestampNs,
                                           const FillSlot& slot) {
     FrameInfo info = DescribeImage(settings, frameId, timestampNs);
-    info.payloadType = kPayloadImage;
+    info.payloadType = GenTL::PAYLOAD_TYPE_MULTI_PART;
     const size_t partBytes = settings.geometry.ImageBytes();
     if (partBytes == 0 || slot.size < partBytes * parts)
         throw std::invalid_argument("multipart buffer smaller than its parts");
+    FramePart description;
+    description.size = partBytes;
+    description.format = info.pixelFormat;
+    description.width = info.width;
+    description.height = info.height;
+    description.offsetX = info.offsetX;
+    description.offsetY = info.offsetY;
     for (uint32_t part = 0; part < parts; ++part) {
         RenderImage(settings, firstImage + part, slot.data + part * partBytes);
-        info.partSizes.push_back(partBytes);
+        description.offset = part * partBytes;
+        info.parts.push_back(description);
     }
-    info.partCount = parts;
     info.height = uint64_t(settings.geometry.height) * parts;
     info.sizeFilled = info.dataSize = partBytes * parts;
     return info;

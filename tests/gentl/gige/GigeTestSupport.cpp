@@ -6,8 +6,8 @@ using namespace GenTL;
 
 namespace GigeTest {
 
-void LoopbackFixture::OpenLoopback(uint32_t port) {
-    UseLoopbackOnly(port);
+void LoopbackFixture::OpenInterface(const std::string& name, uint32_t port) {
+    UseInterfaceOnly(name.c_str(), port);
     ASSERT_EQ(GCInitLib(), GC_ERR_SUCCESS);
     ASSERT_EQ(TLOpen(&m_system), GC_ERR_SUCCESS);
     uint32_t count = 0;
@@ -17,7 +17,7 @@ void LoopbackFixture::OpenLoopback(uint32_t port) {
     char id[64];
     size_t size = sizeof(id);
     ASSERT_EQ(TLGetInterfaceID(m_system, 1, id, &size), GC_ERR_SUCCESS);
-    ASSERT_STREQ(id, "GEV::lo");
+    ASSERT_EQ(std::string(id), "GEV::" + name);
     ASSERT_EQ(TLOpenInterface(m_system, id, &m_interface), GC_ERR_SUCCESS);
 }
 

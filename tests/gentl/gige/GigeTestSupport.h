@@ -13,18 +13,23 @@
 
 namespace GigeTest {
 
-// No virtual cameras; GigE Vision on loopback only, cameras addressed on `port` (0: 3956).
-inline void UseLoopbackOnly(uint32_t port) {
+// No virtual cameras; GigE Vision on one host interface only, cameras addressed on `port`
+// (0: 3956).
+inline void UseInterfaceOnly(const char* name, uint32_t port) {
     OrvanTC_Reset();
     OrvanTC_SetVirtualCameras(nullptr, 0, 1);
     OrvanTC_EnableGigE(1);
-    OrvanTC_SetGigEDiscovery("lo", port);
+    OrvanTC_SetGigEDiscovery(name, port);
+}
+inline void UseLoopbackOnly(uint32_t port) {
+    UseInterfaceOnly("lo", port);
 }
 
 class LoopbackFixture : public ::testing::Test {
 protected:
-    // GCInitLib, TLOpen and the loopback interface (GEV::lo).
-    void OpenLoopback(uint32_t port);
+    // GCInitLib, TLOpen and the loopback interface (GEV::lo), or another host interface.
+    void OpenLoopback(uint32_t port) { OpenInterface("lo", port); }
+    void OpenInterface(const std::string& name, uint32_t port);
     void TearDown() override;
 
     // Refreshes the device list and returns the id of the device with that serial number, or

@@ -99,6 +99,65 @@ TEST(GvspPacket, DecodesOtherLeadersAndTrailers) {
     EXPECT_EQ(extended->chunkLayoutId, 3u);
 }
 
+// Built field by field: the part count is what an extended header announces, else what the
+// leader's length holds.
+TEST(GvspPacket, DecodesMultiPartLeaderAndPartData) {
+    struct Case {
+        bool extended;
+        uint8_t announced;
+        size_t parts;
+    };
+    for (const Case c : {Case{false, 0, 3}, Case{true, 2, 2}, Case{true, 0, 3}}) {
+        Datagram raw = GvspTest::Header(9, 0, GvspTest::kLeader, c.extended);
+        if (c.extended)
+            raw[7] = c.announced;
+        Put(raw, 0, 2);
+        Put(raw, 0x000A, 2);
+        Put(raw, 77, 8);
+        for (uint32_t part = 0; part < 3; ++part) {
+            Put(raw, part == 2 ? 0x0009 : 0x0001, 2); // data type
+            Put(raw, 0x010000000000ull + part, 6);    // length
+            Put(raw, GvspTest::kMono8, 4);
+            Put(raw, 0, 2);
+            Put(raw, 10 + part, 1); // source id
+            Put(raw, 0, 5);         // zones
+            Put(raw, 20 + part, 2); // purpose id
+            Put(raw, 30 + part, 2); // region id
+            for (uint32_t field : {640u, 100 + part, 8u, 4u})
+                Put(raw, field, 4); // size x and y, offset x and y
+            Put(raw, 2, 2);         // padding x
+            Put(raw, 0, 6);
+        }
+        const auto packet = ParseGvspPacket(raw.data(), raw.size());
+        ASSERT_TRUE(packet && packet->leader);
+        EXPECT_EQ(packet->leader->timestamp, 77u);
+        ASSERT_EQ(packet->leader->parts.size(), c.parts);
+        const FramePart& part = packet->leader->parts[c.parts - 1];
+        const uint32_t n = uint32_t(c.parts - 1);
+        EXPECT_EQ(part.dataType, c.parts == 3 ? GenTL::PART_DATATYPE_CONFIDENCE_MAP
+                                              : GenTL::PART_DATATYPE_2D_IMAGE);
+        EXPECT_EQ(part.size, 0x010000000000ull + n);
+        EXPECT_EQ(part.format, GvspTest::kMono8);
+        EXPECT_EQ(part.sourceId, 10 + n);
+        EXPECT_EQ(part.purposeId, 20 + n);
+        EXPECT_EQ(part.regionId, 30 + n);
+        EXPECT_EQ(part.width, 640u);
+        EXPECT_EQ(part.height, 100 + n);
+        EXPECT_EQ(part.offsetY, 4u);
+        EXPECT_EQ(part.paddingX, 2u);
+    }
+    Datagram body{2, 0x40};
+    Put(body, 0x010203040506ull, 6);
+    Put(body, 0xABCD, 2);
+    const auto data = ParseGvspPartData(body.data(), body.size());
+    ASSERT_TRUE(data);
+    EXPECT_EQ(data->part, 2u);
+    EXPECT_EQ(data->offset, 0x010203040506ull);
+    ASSERT_EQ(data->size, 2u);
+    EXPECT_EQ(data->data[1], 0xCD);
+    EXPECT_FALSE(ParseGvspPartData(body.data(), 7));
+}
+
 TEST(GvspPacket, RejectsEveryTruncation) {
     for (bool extended : {false, true}) {
         const auto block = ImageBlock(extended);

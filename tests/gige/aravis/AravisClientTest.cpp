@@ -136,9 +136,19 @@ protected:
     GPtr<ArvStream> m_stream;
 };
 
+// Aravis discovers only by broadcast to 255.255.255.255 from each interface's address.
+bool FoundByBroadcast(const std::string& address) {
+    arv_update_device_list();
+    for (unsigned i = 0; i < arv_get_n_devices(); ++i)
+        if (address == arv_get_device_address(i))
+            return true;
+    return false;
+}
+
 TEST_F(AravisClientTest, FindsTheCameraAndReadsAndWritesItsFeatures) {
     auto emulator = StartOnOwnLoopbackAddress({});
     ASSERT_TRUE(emulator);
+    EXPECT_TRUE(FoundByBroadcast(Dotted(emulator->ControlEndpoint().ip)));
     GPtr<ArvCamera> camera = Open(*emulator);
     ASSERT_TRUE(camera);
     GError* error = nullptr;
