@@ -164,6 +164,7 @@ TEST_F(ModuleTree, ModulesOpenOnceAndChildrenCloseWithTheirParent) {
     EXPECT_EQ(IFGetNumDevices(m_interface, &count), GC_ERR_INVALID_HANDLE);
     EXPECT_EQ(DSGetNumFlows(m_stream, &count), GC_ERR_INVALID_HANDLE);
     ASSERT_EQ(TLOpen(&m_system), GC_ERR_SUCCESS) << "the system can be opened again";
+    EXPECT_EQ(TLUpdateInterfaceList(m_system, nullptr, 100), GC_ERR_SUCCESS);
     // Consumers that keep ids open the camera by them, without listing anything again.
     ASSERT_EQ(TLOpenInterface(m_system, interfaceId.c_str(), &m_interface), GC_ERR_SUCCESS);
     EXPECT_EQ(IFOpenDevice(m_interface, m_deviceId.c_str(), DEVICE_ACCESS_CONTROL, &m_device),

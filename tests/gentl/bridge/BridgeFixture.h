@@ -10,7 +10,6 @@
 
 #include <dlfcn.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -29,25 +28,6 @@ inline void FailNext(const char* function, GenTL::GC_ERROR code, const char* tex
     ASSERT_NE(failNext, nullptr);
     failNext(function, code, text);
     dlclose(library);
-}
-
-// The call fails with the text a foreign producer gave, and our producer's last error holds that
-// producer's code and text.
-inline void ExpectForeignFailure(const std::function<void()>& call, GenTL::GC_ERROR code,
-                                 const std::string& text) {
-    std::string message = "no exception";
-    try {
-        call();
-    } catch (const GenICam::GenericException& error) {
-        message = error.GetDescription();
-    }
-    EXPECT_NE(message.find(text), std::string::npos) << message;
-    GenTL::GC_ERROR last = GenTL::GC_ERR_SUCCESS;
-    char lastText[256] = {};
-    size_t size = sizeof(lastText);
-    GenTL::GCGetLastError(&last, lastText, &size);
-    EXPECT_EQ(last, code);
-    EXPECT_EQ(lastText, text);
 }
 
 class BridgeFixture : public ::testing::Test {

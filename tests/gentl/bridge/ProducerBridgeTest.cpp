@@ -4,12 +4,15 @@
 #include <GenTL/GenTL.h>
 
 #include <cstdlib>
+#include <functional>
 #include <map>
 
 using BridgeTest::BridgeFixture;
 using BridgeTest::FailNext;
 
 namespace {
+
+constexpr uint64_t kWaitMs = 2000;
 
 class TestProducerBridge : public BridgeFixture {
 protected:
@@ -39,12 +42,52 @@ TEST_F(TestProducerBridge, FeaturesReachTheForeignCamerasRegisters) {
     EXPECT_TRUE(device->IsConnected());
 }
 
-TEST_F(TestProducerBridge, AFailedForeignCallReportsTheProducersCodeAndText) {
+TEST_F(TestProducerBridge, StreamsAThousandImagesWithNoneLost) {
     Orvan::IDevice* device = OpenCamera("TestProducer::");
-    FailNext("GCWritePort", GenTL::GC_ERR_ACCESS_DENIED, "test failure of GCWritePort");
-    BridgeTest::ExpectForeignFailure(
-        [&] { Orvan::SetNodeValue<int64_t>(device->GetNodeMap(), "Width", 16); },
-        GenTL::GC_ERR_ACCESS_DENIED, "test failure of GCWritePort");
+    // The SDK asks the producer for as many images as it announces buffers.
+    device->StartStream(1000);
+    for (uint64_t frame = 0; frame < 1000; ++frame) {
+        Orvan::IImage* image = device->GetImage(kWaitMs);
+        ASSERT_EQ(image->GetFrameId(), frame);
+        ASSERT_EQ(image->GetSizeFilled(), 64u * 48u);
+        const uint8_t* pixels = image->GetData();
+        for (size_t i = 0; i < image->GetSizeFilled(); ++i)
+            ASSERT_EQ(pixels[i], uint8_t(frame + i)) << "frame " << frame << " byte " << i;
+        device->RequeueBuffer(image);
+    }
+    device->StopStream();
+}
+
+struct FailureCase {
+    const char* function;
+    GenTL::GC_ERROR code;
+    std::function<void(Orvan::IDevice*)> call;
+};
+
+TEST_F(TestProducerBridge, AFailedForeignCallReportsTheProducersCodeAndText) {
+    const FailureCase cases[] = {
+        {"GCWritePort", GenTL::GC_ERR_ACCESS_DENIED,
+         [](Orvan::IDevice* d) { Orvan::SetNodeValue<int64_t>(d->GetNodeMap(), "Width", 16); }},
+        {"DSStartAcquisition", GenTL::GC_ERR_BUSY, [](Orvan::IDevice* d) { d->StartStream(4); }},
+    };
+    Orvan::IDevice* device = OpenCamera("TestProducer::");
+    for (const FailureCase& failure : cases) {
+        const std::string text = std::string("test failure of ") + failure.function;
+        FailNext(failure.function, failure.code, text.c_str());
+        std::string message;
+        try {
+            failure.call(device);
+        } catch (const GenICam::GenericException& error) {
+            message = error.GetDescription();
+        }
+        EXPECT_NE(message.find(text), std::string::npos) << failure.function << ": " << message;
+        GenTL::GC_ERROR code = GenTL::GC_ERR_SUCCESS;
+        char last[256] = {};
+        size_t size = sizeof(last);
+        GenTL::GCGetLastError(&code, last, &size);
+        EXPECT_EQ(code, failure.code) << failure.function;
+        EXPECT_EQ(std::string(last), text);
+    }
 }
 
 class MixedProducers : public BridgeFixture {

@@ -82,14 +82,6 @@ TEST_F(SelfBridge, BridgedAndDirectCamerasStreamSideBySide) {
     bridged->StopStream();
 }
 
-TEST_F(SelfBridge, AFailedStreamCallReportsTheProducersCodeAndText) {
-    Orvan::IDevice* device = OpenCamera("OrvanCopy::");
-    CopyControl<int32_t (*)(const char*, uint32_t, int32_t, const char*)>("OrvanTC_FailCall")(
-        "DSStartAcquisition", 1, GenTL::GC_ERR_BUSY, "copy busy");
-    BridgeTest::ExpectForeignFailure([&] { device->StartStream(4); }, GenTL::GC_ERR_BUSY,
-                                     "copy busy");
-}
-
 TEST_F(SelfBridge, AnUnplugReachesTheSdkThroughTheBridge) {
     const Orvan::DeviceInfo info = CamerasOf("OrvanCopy::").at(0);
     Orvan::IDevice* device = OpenCamera("OrvanCopy::");
